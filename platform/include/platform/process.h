@@ -1,0 +1,43 @@
+// Processes, shared mappings and the memory of other processes.
+#pragma once
+
+#include "platform/base.h"
+#include "platform/files.h"
+#include "platform/sync.h"
+
+#ifndef _WIN32
+
+inline constexpr DWORD PROCESS_VM_OPERATION = 0x0008;
+inline constexpr DWORD PROCESS_VM_READ = 0x0010;
+inline constexpr DWORD PROCESS_VM_WRITE = 0x0020;
+inline constexpr DWORD PROCESS_DUP_HANDLE = 0x0040;
+inline constexpr DWORD DUPLICATE_SAME_ACCESS = 2;
+inline constexpr DWORD PAGE_READWRITE = 4;
+inline constexpr DWORD FILE_MAP_WRITE = 2;
+inline constexpr DWORD FILE_MAP_READ = 4;
+inline constexpr DWORD STARTF_USESTDHANDLES = 0x100;
+
+// The id of this process, and a handle that stands for it and need not be closed.
+extern "C" DWORD GetCurrentProcessId() noexcept;
+extern "C" HANDLE GetCurrentProcess() noexcept;
+
+// Fails with ERROR_INVALID_PARAMETER when there is no such process and ERROR_ACCESS_DENIED when it may not be opened.
+extern "C" HANDLE OpenProcess(DWORD access, BOOL inherit, DWORD id) noexcept;
+
+// Duplicates a mapping of another process, whose handle value names it there, or any handle of this one.
+extern "C" BOOL DuplicateHandle(HANDLE source_process, HANDLE source, HANDLE target_process, HANDLE* target,
+                                DWORD access, BOOL inherit, DWORD options) noexcept;
+
+// Only mappings without a file and without a name are made here.
+extern "C" HANDLE CreateFileMappingW(HANDLE file, SECURITY_ATTRIBUTES* security, DWORD protect, DWORD size_high,
+                                     DWORD size_low, const WCHAR* name) noexcept;
+extern "C" void* MapViewOfFile(HANDLE mapping, DWORD access, DWORD offset_high, DWORD offset_low,
+                               SIZE_T bytes) noexcept;
+extern "C" BOOL UnmapViewOfFile(const void* view) noexcept;
+
+// A transfer that cannot be made whole fails, with the bytes that were moved in the last argument.
+extern "C" BOOL ReadProcessMemory(HANDLE process, const void* address, void* data, SIZE_T bytes, SIZE_T* read) noexcept;
+extern "C" BOOL WriteProcessMemory(HANDLE process, void* address, const void* data, SIZE_T bytes,
+                                   SIZE_T* written) noexcept;
+
+#endif

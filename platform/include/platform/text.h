@@ -1,0 +1,43 @@
+// Code pages, comparison and printing of 16-bit text, and the one pair of UTF conversions.
+#pragma once
+
+#include <cstdarg>
+
+#include "platform/base.h"
+
+#ifdef _WIN32
+
+#include <cstdio>
+#include <cstdlib>
+#include <cwchar>
+
+#else
+
+inline constexpr UINT CP_ACP = 0;
+inline constexpr UINT CP_UTF8 = 65001;
+inline constexpr DWORD MB_PRECOMPOSED = 1;
+inline constexpr DWORD MB_ERR_INVALID_CHARS = 8;
+
+// `in_length` -1 converts through the terminator. A size of 0 asks for the length. 0 with the last error on failure.
+extern "C" int MultiByteToWideChar(UINT code_page, DWORD flags, const char* in, int in_length, WCHAR* out,
+                                   int out_size) noexcept;
+extern "C" int WideCharToMultiByte(UINT code_page, DWORD flags, const WCHAR* in, int in_length, char* out, int out_size,
+                                   const char* substitute, BOOL* substituted) noexcept;
+
+extern "C" int lstrcmpW(const WCHAR* a, const WCHAR* b) noexcept;
+extern "C" int lstrlenW(const WCHAR* text) noexcept;
+
+// The C runtime's bounded wide printf with the Microsoft reading of %s, %c and I64: -1 when cut short, and then
+// without a terminator.
+extern "C" int _vsnwprintf(WCHAR* out, std::size_t size, const WCHAR* format, std::va_list arguments) noexcept;
+extern "C" int _snwprintf(WCHAR* out, std::size_t size, const WCHAR* format, ...) noexcept;
+
+#endif
+
+namespace platform {
+
+// UTF-8 and UTF-16; what cannot be converted becomes U+FFFD. May throw std::bad_alloc.
+std::string Utf8(WStringView text);
+WString Wide(std::string_view utf8);
+
+}  // namespace platform
