@@ -1,0 +1,45 @@
+// The two tables that the loader hands into a decoder library, and the forms of what a library exports.
+#pragma once
+
+#include <cstdint>
+
+#include "platform/base.h"
+
+namespace clipfio {
+
+// Settings shared between the client and its libraries: 64-bit keys to 64-bit values. Valid for as long as the client
+// is initialised; either side may write.
+struct SdkKeyValues {
+    virtual void SetPointer(uint64_t key, const void* value) = 0;
+    virtual void SetValue(uint64_t key, uint64_t value) = 0;
+    virtual bool Has(uint64_t key) = 0;
+    virtual uint64_t GetValue(uint64_t key) = 0;  // 0 when absent
+    virtual void* GetPointer(uint64_t key) = 0;   // null when absent
+    virtual void Dump() = 0;                      // one status line an entry
+    virtual void* Destroy(uint32_t flags) = 0;    // bit 0: frees the object as well
+};
+
+// Further library files that a main library asks for.
+struct SdkImportList {
+    virtual void* Destroy(uint32_t flags) = 0;  // bit 0: frees the object as well
+    // The file name is relative to the main library's folder; the text is copied.
+    virtual void Add(const char* file_name, uint32_t id, uint32_t flags) = 0;
+    virtual void Clear() = 0;
+    virtual uint32_t Count() = 0;
+    virtual const char* FileName(uint32_t row) = 0;  // null for a row that is not there
+    virtual uint32_t Id(uint32_t row) = 0;
+    virtual uint32_t Flags(uint32_t row) = 0;
+};
+
+using SdkNumberFunction = uint32_t (*)();
+using SdkTextFunction = const char* (*)();
+// `handles` and `count` name the libraries loaded so far; null and 0 in phase 0. 0 is good.
+using SdkInitializeFunction = int32_t (*)(uint32_t phase, SdkKeyValues* values, const HMODULE* handles, uint32_t count);
+using SdkFinalizeFunction = void (*)();
+// Returns the option bits that the library did not understand.
+using SdkImportsFunction = uint32_t (*)(SdkImportList* list);
+
+inline constexpr uint32_t kMainLibraryId = 0x52334410;
+inline constexpr char kMainLibraryFileName[] = "REDR3D-x64.dll";
+
+}  // namespace clipfio
