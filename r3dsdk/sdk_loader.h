@@ -7,28 +7,9 @@
 #include <cstdint>
 
 #include "r3dsdk/sdk_interfaces.h"
+#include "r3dsdk/sdk_status.h"
 
 namespace clipfio {
-
-// Results of the loader. A library's own status of a failed initialisation is passed on as well, whatever it is.
-enum SdkStatus : int32_t {
-    kSdkGood = 0,
-    kSdkNotOpened = 1,  // inside the loader, and SdkInitializeEmbedded without a table or modules
-    kSdkNoMainLibrary = 2,
-    kSdkNoImport = 3,  // 3, 4, 5: an import with flag bit 1, 2, 4
-    kSdkVersion = 6,
-    kSdkMissingSymbol = 7,     // or a wrong id
-    kSdkMissingOptional = 8,   // 8, 9, 10: the same for an import or a table with flag bit 1, 2, 4
-    kSdkRefusedOptional = 11,  // 11, 12, 13: an import with flag bit 1, 2, 4 said 14
-    kSdkRefused = 14,          // said by a library in its initialisation
-    kSdkEmptyPath = 15,
-    kSdkTooMany = 16,  // paths, libraries or handles; a path repeated; memory that ran out
-};
-
-// Bits of the options: tables that have to be bound beside the five required ones.
-inline constexpr uint32_t kSdkOptionCuda = 1;
-inline constexpr uint32_t kSdkOptionOpenCl = 2;
-inline constexpr uint32_t kSdkOptionDecoder = 4;
 
 // Looks for the library in `folder` (UTF-8), in the folder of the environment variable R3DSDKPATH and where libraries
 // found there redirect to, and takes the newest that can be started. What an earlier call loaded goes first. 0 or an
