@@ -68,8 +68,9 @@ class MediaPropertyEditor {
     [[nodiscard]] const ItemTable& Items() const noexcept { return items; }
     [[nodiscard]] const ItemTable& ClipDefaults() const noexcept { return clipDefaults; }
     [[nodiscard]] HKTLANG Language() const noexcept { return language; }
-    void CopyClipDefaults() noexcept;     // the button Clip Default, but for telling the sink
-    void LoadFactoryDefaults() noexcept;  // the button Factory Default, likewise
+    HRESULT CopyClipDefault(MediaPropertyItem& item) noexcept;  // unset where there is none
+    void CopyClipDefaults() noexcept;                           // the button Clip Default, but for telling the sink
+    void LoadFactoryDefaults() noexcept;                        // the button Factory Default, likewise
     void NotifySink() noexcept;
     // A change by the user: with a sink, the clip default no longer stands, and the sink hears of it.
     void ReportChange() noexcept;
@@ -79,6 +80,7 @@ class MediaPropertyEditor {
     HRESULT RunDialog(PropertiesDialog& dialog, HINSTANCE module, HWND parent, IKtPropertiesSink* newSink,
                       uint32_t* ok) noexcept;
 
+    const bool hasDecoder = true;
     IKtReadVideoStream* videoStream = nullptr;
     ItemMap items;
     ItemMap clipDefaults;

@@ -137,6 +137,28 @@ class IntComboLeaf final : public IntComboBoxItem {
     }
 };
 
+// The class of a row that is no coordinate.
+template <size_t Row, PropertyKind Kind = kPropertyTable[Row].kind>
+struct LeafSelector;
+template <size_t Row>
+struct LeafSelector<Row, PropertyKind::Float> {
+    using Type = FloatLeaf<Row>;
+};
+template <size_t Row>
+struct LeafSelector<Row, PropertyKind::Boolean> {
+    using Type = BooleanLeaf<Row>;
+};
+template <size_t Row>
+struct LeafSelector<Row, PropertyKind::StringCombo> {
+    using Type = StringComboLeaf<Row>;
+};
+template <size_t Row>
+struct LeafSelector<Row, PropertyKind::IntCombo> {
+    using Type = IntComboLeaf<Row>;
+};
+template <size_t Row>
+using LeafOf = typename LeafSelector<Row>::Type;
+
 using ColorTemperature = FloatLeaf<RowOf("ColorTemperature")>;
 using Tint = FloatLeaf<RowOf("Tint")>;
 using ExposureCompensation = FloatLeaf<RowOf("ExposureCompensation")>;
