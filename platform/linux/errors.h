@@ -1,6 +1,8 @@
 // The one translation of errno into Win32 error numbers, and short ways to fail with one.
 #pragma once
 
+#include <new>
+
 #include "platform/base.h"
 
 namespace platform {
@@ -27,5 +29,15 @@ T Fail(DWORD error, T result) noexcept {
     return result;
 }
 inline BOOL Fail(DWORD error) noexcept { return Fail(error, FALSE); }
+
+// Runs the part of a call that may run out of memory.
+template <class Result, class Call>
+Result Guarded(Result failure, Call call) noexcept {
+    try {
+        return call();
+    } catch (const std::bad_alloc&) {
+        return Fail(ERROR_NOT_ENOUGH_MEMORY, failure);
+    }
+}
 
 }  // namespace platform
