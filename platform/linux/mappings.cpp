@@ -140,6 +140,12 @@ void* MakeView(int descriptor, int protection, std::uint64_t offset, std::size_t
 
 bool IsMappingHandle(HANDLE handle) noexcept { return (ValueOf(handle) & kTagMask) == kTag; }
 
+int LiveMappingDescriptor(HANDLE handle) noexcept {
+    std::uint64_t size = 0;
+    const int descriptor = DescriptorOf(handle);
+    return IsMappingHandle(handle) && IsFileOf(handle, descriptor, size) ? descriptor : -1;
+}
+
 BOOL CloseMapping(HANDLE handle) noexcept {
     // Of two closes at once the second must find the descriptor gone, and not close what took its place.
     PthreadLock lock(Shared().mapping_lock);
