@@ -1,6 +1,7 @@
 #include "host/command.h"
 
 #include <cstdio>
+#include <exception>
 #include <utility>
 
 #include "host/console.h"
@@ -16,6 +17,15 @@ Module& Context::GetModule() {
     return *module_;
 }
 
+Clip OpenClip(Context& context, const std::string& path) {
+    const Module& module = context.GetModule();
+    try {
+        return Clip(module, path);
+    } catch (const Failure& failure) {
+        throw Failure(path + ": " + failure.what());
+    }
+}
+
 void Say(const std::string& line) { std::fprintf(stderr, "clipfio: %s\n", line.c_str()); }
 
 void FileResults::Add(const std::string& path,
@@ -24,7 +34,9 @@ void FileResults::Add(const std::string& path,
     try {
         const std::string text = work(entry);
         if (!json_ && !WriteStandardOutput(text.data(), text.size())) return;
-    } catch (const Failure& failure) {
+    } catch (const UsageError&) {
+        throw;
+    } catch (const std::exception& failure) {
         failed_ = true;
         Say(path + ": " + failure.what());
         entry = {{"path", path}, {"error", failure.what()}};

@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "host/clip.h"
 #include "host/module_client.h"
 
 namespace clipfio::host {
@@ -35,6 +36,9 @@ void AddSheet(CLI::App& app, Context& context);
 void AddSettings(CLI::App& app, Context& context);
 void AddMakeSample(CLI::App& app, Context& context);
 void AddMakeClip(CLI::App& app, Context& context);
+
+// The clip, open; a failure's message begins with its path.
+[[nodiscard]] Clip OpenClip(Context& context, const std::string& path);
 
 // A line on standard error, with the program's name before it.
 void Say(const std::string& line);

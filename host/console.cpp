@@ -52,6 +52,7 @@ bool FlushStandardOutput() {
     return Outcome(std::fflush(stdout) == 0);
 }
 
+bool IsOutputTerminal() { return isatty(fileno(stdout)) != 0; }
 bool IsErrorOutputTerminal() { return isatty(fileno(stderr)) != 0; }
 
 InterruptScope::InterruptScope() {

@@ -13,6 +13,7 @@ void PrepareConsole();
 [[nodiscard]] bool WriteStandardOutput(const void* data, std::size_t bytes);
 [[nodiscard]] bool FlushStandardOutput();
 
+[[nodiscard]] bool IsOutputTerminal();
 [[nodiscard]] bool IsErrorOutputTerminal();
 
 // While one lives, an interrupt (Ctrl-C) or a request to end only sets a flag, so that files can be left whole. The

@@ -1,9 +1,12 @@
 #include "host/look.h"
 
+#include <algorithm>
 #include <filesystem>
 
+#include "host/memory_stream.h"
 #include "host/numbers.h"
 #include "host/output_file.h"
+#include "host/result_text.h"
 #include "settings/property_table.h"
 
 namespace clipfio::host {
@@ -60,6 +63,15 @@ Look ParseLook(const std::string& snapshot) {
     return look;
 }
 
+std::string GatherSnapshot(Clip& clip) {
+    MemoryStream snapshot;
+    Require(clip.Properties().BeginProperties(), "the settings cannot be read");
+    Require(clip.Properties().GatherProperties(&snapshot), "the settings cannot be read");
+    return snapshot.Bytes();
+}
+
+Look GatherLook(Clip& clip) { return ParseLook(GatherSnapshot(clip)); }
+
 std::string SettingsFileOf(const std::string& clip_path) {
     return Utf8FromPath(PathFromUtf8(clip_path).replace_extension("KtDecProp"));
 }
@@ -89,6 +101,13 @@ nlohmann::ordered_json TypedValues(const Look& look) {
         values[key] = text != nullptr ? TypedValue(key, *text) : nlohmann::ordered_json(nullptr);
     }
     return values;
+}
+
+nlohmann::ordered_json SettingsEntry(const std::string& clip_path, const Look& look) {
+    const bool from_file = HasSettingsFile(clip_path);
+    return {{"source", from_file ? "file" : "clip"},
+            {"file", from_file ? nlohmann::ordered_json(SettingsFileOf(clip_path)) : nlohmann::ordered_json(nullptr)},
+            {"values", TypedValues(look)}};
 }
 
 std::string DescribeLook(const Look& look, const std::string& indent) {
