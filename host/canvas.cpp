@@ -21,7 +21,8 @@ constexpr std::array<std::array<uint8_t, kDigitHeight>, 10> kDigits = {{{7, 5, 5
                                                                         {7, 5, 7, 1, 7}}};
 
 void SetPixel(RgbImage8& image, int64_t x, int64_t y, Colour colour) {
-    uint8_t* pixel = image.samples.data() + (static_cast<std::size_t>(y) * image.width + static_cast<std::size_t>(x)) * 3;
+    uint8_t* pixel =
+        image.samples.data() + (static_cast<std::size_t>(y) * image.width + static_cast<std::size_t>(x)) * 3;
     pixel[0] = colour.red;
     pixel[1] = colour.green;
     pixel[2] = colour.blue;

@@ -52,7 +52,8 @@ int Run(Context& context, const Options& options) {
     const auto height = static_cast<uint32_t>(std::max<uint64_t>(1, uint64_t{width} * full.height / full.width));
     const uint32_t cell_width = width + kGap;
     const uint32_t cell_height = height + kLabelHeight + kGap;
-    if (uint64_t{cell_height} * rows > 65535) throw Failure("the sheet would be too large: ask for fewer frames or a smaller --width");
+    if (uint64_t{cell_height} * rows > 65535)
+        throw Failure("the sheet would be too large: ask for fewer frames or a smaller --width");
     RgbImage8 image = MakeImage(columns * cell_width + kGap, rows * cell_height + kGap, kBackground);
 
     Progress progress("sheet", cells);
