@@ -18,8 +18,8 @@ namespace {
 constexpr Colour kBackground{24, 26, 30};
 constexpr Colour kLabel{220, 220, 220};
 constexpr uint32_t kGap = 8;
-constexpr uint32_t kDot = 3;
-constexpr uint32_t kLabelHeight = 5 * kDot + 8;
+constexpr uint32_t kDot = 2;
+constexpr uint32_t kLabelHeight = 7 * kDot + 8;
 constexpr uint32_t kMostFrames = 400;
 
 struct Options {

@@ -22,7 +22,8 @@ int RunCommandLine(std::vector<std::string> args) {
     app.require_subcommand(1);
     app.fallthrough();
     app.footer("Exit status: 0 done, 1 something failed, 2 the command line makes no sense.");
-    for (const auto add : {AddInfo, AddFrame, AddExport, AddPipe, AddAudio, AddWaveform, AddSheet, AddSettings}) {
+    for (const auto add : {AddInfo, AddFrame, AddExport, AddPipe, AddAudio, AddWaveform, AddSheet, AddSettings,
+                           AddMakeSample, AddMakeClip}) {
         add(app, context);
     }
 
