@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <memory>
 
-#include "audio/sample_copy.h"
+#include "audio/copy_engine.h"
 #include "kernel/heap_object.h"
 #include "r3dsdk/clip_operations.h"
 #include "reader/aligned_buffer.h"
@@ -70,7 +70,7 @@ class CReadAudioStream final : public IKtReadAudioStream, public HeapObject {
     std::unique_ptr<AlignedBuffer> sample_buffer_;
     R3DClip* const* clip_;
     uint64_t max_block_bytes_ = 0;
-    KtAudioCopyFunction convert_ = nullptr;
+    KTAUDIOCOPYFUNC convert_ = nullptr;
     ObjectLock lock_;
 };
 

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "audio/wave_format.h"
-#include "audio/wfx.h"
+#include "audio/wfx_copy.h"
 #include "kernel/guard.h"
 #include "kernel/text_copy.h"
 #include "platform/files.h"
@@ -204,7 +204,7 @@ HRESULT CReadFile::MeasureAudio() noexcept {
     _ktwaveformat format;
     std::memcpy(&format, info.format, sizeof format);
     const _ktwaveformat_wfxcopyhelper plain(format);
-    std::memcpy(&audio_format_, &plain, sizeof audio_format_);
+    audio_format_ = plain.wfx;
     return S_OK;
 }
 

@@ -168,6 +168,8 @@ HandleUse::~HandleUse() {
     if (slot_) Unuse(*slot_);
 }
 
+bool IsTableHandle(HANDLE handle) noexcept { return Decode(handle).index != 0; }
+
 HANDLE NewFileHandle(int descriptor, std::uint32_t flags) noexcept {
     HandleSlot* const slot = TakeSlot();
     if (!slot) {

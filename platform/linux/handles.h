@@ -31,6 +31,9 @@ class HandleUse {
     HandleSlot* target_ = nullptr;
 };
 
+// By its value alone: such a handle may be closed, or be another process's.
+bool IsTableHandle(HANDLE handle) noexcept;
+
 // Each takes over the descriptor it is given; null with the last error set, and the descriptor closed, on failure.
 HANDLE NewFileHandle(int descriptor, std::uint32_t flags) noexcept;
 HANDLE NewProcessHandle(int pidfd, DWORD id, DWORD access) noexcept;

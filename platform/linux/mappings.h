@@ -8,6 +8,8 @@ namespace platform {
 
 // By its value alone: such a handle may still be closed, or be another process's.
 bool IsMappingHandle(HANDLE handle) noexcept;
+// -1 for what is no live mapping of this process.
+int LiveMappingDescriptor(HANDLE handle) noexcept;
 BOOL CloseMapping(HANDLE handle) noexcept;
 // A handle of this process on the mapping that `handle` names here, or in the process of `pidfd` and `id`. Null with
 // the last error set on failure.
