@@ -232,6 +232,23 @@ TEST_F(DecodePropertiesFile, HugeTexts) {
     EXPECT_EQ(Apply("Tint=" + std::string(60000, '0') + "1.5|").tint, 1.5f) << "zeros in front";
 }
 
+// The short way for plain numbers against the runtime's own.
+TEST(EntrySource, NumbersAreThoseOfAtof) {
+    std::mt19937 random(1);
+    for (int round = 0; round < 200000; ++round) {
+        std::string text;
+        const size_t length = random() % (round % 2 ? 8 : 20);
+        for (size_t i = 0; i < length; ++i) text += "0123456789012345678901234567890123456789.-+e "[random() % 45];
+        if (random() % 3 == 0) text.insert(0, "-");
+        MemoryStream stream(text);
+        EntrySource source(&stream, EntrySource::Reading::InBlocks);
+        ASSERT_EQ(source.ReadUntil('|'), S_FALSE);
+        const double expected = std::atof(text.c_str());
+        const double number = source.Number();
+        ASSERT_EQ(std::memcmp(&number, &expected, sizeof number), 0) << text;
+    }
+}
+
 TEST_F(DecodePropertiesFile, EveryFailingReadLeavesTheRecordAlone) {
     const std::string text = "Tint=1|Unknown=2|Contrast=0.5|";
     for (const HRESULT atEnd : {S_FALSE, S_OK}) {
