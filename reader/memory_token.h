@@ -84,7 +84,6 @@ class KT_EXPORT COutOfProcessMemoryToken {
     HRESULT GetMemoryToken(_ktmemorytoken& out) noexcept;
 
   private:
-    bool MakeMapping() noexcept;
     void FreeMapping() noexcept;
 
     _ktmemorytoken source_;
