@@ -110,7 +110,12 @@ TEST_F(SdkEmbedded, LoadsLate) {
     SdkImportRows list;
     EXPECT_EQ(SdkLoadLate("", &list), 2) << "there is no loader";
 
-    ASSERT_EQ(Embed(1, {Open("good")}), 0);
+    const HMODULE good = Open("good");
+    ASSERT_EQ(Embed(1, std::vector<HMODULE>(5, good)), 0);
+    ASSERT_EQ(Embed(1, {good}), 0);
+    on_initialize = [](uint32_t phase, SdkKeyValues*, const HMODULE* handles, uint32_t count) {
+        for (uint32_t i = 0; phase && i < 20; ++i) EXPECT_EQ(handles[i] != nullptr, i < count) << i;
+    };
     TakeEvents();
     list.Add("twin/REDR3D-x64.dll", kMainLibraryId, 0);
     EXPECT_EQ(LoadLate("@", &list), 0) << log;
