@@ -83,7 +83,12 @@ extern "C" BSTR SysAllocStringLen(const WCHAR* text, UINT length) noexcept;
 extern "C" void SysFreeString(BSTR text) noexcept;
 extern "C" UINT SysStringLen(BSTR text) noexcept;
 
-// A buffered stream over a file; `mode` as STGM_*. STGM_CREATE replaces an older file.
+// Frees the name that IStream::Stat gives.
+extern "C" void CoTaskMemFree(void* block) noexcept;
+
+// A buffered stream over a file, used by one thread at a time; `mode` as STGM_*. STGM_CREATE replaces an older file.
+// What was written reaches the file at the latest with Commit, Seek or the last Release; a Commit that fails keeps what
+// is left and may be tried again. The end on Read is S_FALSE. Clone, Revert and the locks are E_NOTIMPL.
 extern "C" HRESULT SHCreateStreamOnFileW(const WCHAR* path, DWORD mode, IStream** out) noexcept;
 
 #endif

@@ -1,0 +1,44 @@
+// The table of live handles.
+//
+// A handle's value is a slot's index with the slot's generation and a tag that no address has, so that a wrong, closed,
+// foreign or wild value is recognised. Whoever works on a handle holds a HandleUse: the object behind it stays until
+// the last use has gone, also when another thread closes the handle meanwhile.
+#pragma once
+
+#include "process_shared.h"
+
+namespace platform {
+
+inline constexpr std::uint32_t kFileReadable = 1;
+inline constexpr std::uint32_t kFileWritable = 2;
+inline constexpr std::uint32_t kFileRegular = 4;
+
+class HandleUse {
+  public:
+    // Empty when `handle` is no live handle of that type; kNone takes any type.
+    HandleUse(HANDLE handle, HandleType type) noexcept;
+    ~HandleUse();
+    HandleUse(const HandleUse&) = delete;
+    HandleUse& operator=(const HandleUse&) = delete;
+
+    explicit operator bool() const noexcept { return slot_ != nullptr; }
+    // What the handle stands for, and the rights of this very handle, which an alias may have fewer of.
+    HandleSlot* operator->() const noexcept { return target_; }
+    [[nodiscard]] std::uint32_t Rights() const noexcept { return slot_->flags; }
+
+  private:
+    HandleSlot* slot_ = nullptr;
+    HandleSlot* target_ = nullptr;
+};
+
+// By its value alone: such a handle may be closed, or be another process's.
+bool IsTableHandle(HANDLE handle) noexcept;
+
+// Each takes over the descriptor it is given; null with the last error set, and the descriptor closed, on failure.
+HANDLE NewFileHandle(int descriptor, std::uint32_t flags) noexcept;
+HANDLE NewProcessHandle(int pidfd, DWORD id, DWORD access) noexcept;
+HANDLE NewMutexHandle() noexcept;
+// A second handle on the same mutex or process.
+HANDLE NewAliasHandle(HANDLE handle, DWORD rights) noexcept;
+
+}  // namespace platform
