@@ -60,7 +60,7 @@ TEST(Print, ConvertsAsTheRuntimeDoes) {
         {W("plain"), 0, "plain"},
         {W("abc$"), 0, "abc%"},
         {W("%"), 0, "%"},
-        {W("50% no end"), 0, "50% no end"},
+        {W("50% by way"), 0, "50% by way"},
         {W("%%%%$$"), 0, "%%$"},
         {W("%d%%d"), 3, "3%d"},
     };
