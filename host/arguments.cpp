@@ -94,6 +94,10 @@ int CommandLine::Run(std::vector<std::string> args) {
         std::cout.flush();
         return kExitDone;
     } catch (const CLI::ParseError& error) {
+        const std::vector<std::string> unknown = parser_->app.remaining();
+        if (parser_->app.get_subcommands().empty() && !unknown.empty() && unknown[0][0] != '-') {
+            throw UsageError("there is no command '" + unknown[0] + "'");
+        }
         throw UsageError(error.what());
     }
     return parser_->run();

@@ -21,7 +21,7 @@ constexpr uint32_t kMostChannels = 4;
 
 struct Options {
     std::string output;
-    std::string size = "1280x720";
+    std::string size = "640x360";
     std::string rate = "24";
     uint32_t frames = 0;
     double seconds = 0;

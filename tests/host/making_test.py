@@ -83,7 +83,7 @@ class Making(CommandTest):
     def film_to_clip(self, source):
         """A film made by ffmpeg, as 8-bit frames, and the clip made of it."""
         film = self.path("film.mkv")
-        ffmpeg("-f", "lavfi", "-i", source, "-frames:v", FRAMES, "-c:v", "ffv1", "-pix_fmt", "gbrp", film)
+        ffmpeg("-y", "-f", "lavfi", "-i", source, "-frames:v", FRAMES, "-c:v", "ffv1", "-pix_fmt", "gbrp", film)
         frames = ffmpeg("-i", film, "-f", "rawvideo", "-pix_fmt", "rgb48le", "-")
         self.clipfio("make-clip", "film.r3d", "--size", f"{WIDTH}x{HEIGHT}", "--rate", "25", stdin=frames)
         return ffmpeg("-i", film, "-f", "rawvideo", "-pix_fmt", "bgra", "-")

@@ -97,7 +97,7 @@ class Pictures(CommandTest):
 
     def test_an_output_that_fails_leaves_the_older_file(self):
         self.sample()
-        self.cut("a.r3d", "cut.r3d", -20000)
+        self.cut("a.r3d", "cut.r3d", HEADER + 10 * 96 * 64 * 6)
         self.write("f.png", b"older")
         self.clipfio("frame", "cut.r3d", "11", "-o", "f.png", expect=1)
         self.clipfio("frame", "a.r3d", "99", "-o", "f.png", expect=1)
@@ -163,6 +163,19 @@ class Pictures(CommandTest):
             error = process.stderr.read().decode()
             self.assertEqual(process.wait(TIMEOUT), 0)
         self.assertEqual(len(error.splitlines()), 1, error)
+
+    def test_bar_on_a_terminal(self):
+        self.sample()
+        terminal, screen = os.openpty()
+        done = subprocess.run([PROGRAM, "export", "a.r3d", "d"], stderr=screen, stdout=subprocess.PIPE, cwd=self.folder,
+                              env=self.env, timeout=TIMEOUT, check=False)
+        os.close(screen)
+        shown = os.read(terminal, 100000).decode()
+        os.close(terminal)
+        self.assertEqual((done.returncode, done.stdout), (0, b""))
+        self.assertIn("\rexport [", shown)
+        self.assertIn("100%", shown)
+        self.assertIn("12 of 12 frames", shown.split("\033[K")[-1])
 
     def test_sheet(self):
         self.sample()

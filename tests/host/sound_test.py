@@ -59,7 +59,7 @@ class Sound(CommandTest):
         width, height, bits, _, rows = read_png(self.read("w.png"))
         self.assertEqual((width, height, bits), (40, 80, 8))
         column = [tuple(row[60:63]) for row in rows]
-        background, middle_left, middle_right = column[0], column[19], column[59]
+        background, middle_left, middle_right = column[0], column[20], column[60]
         # The left lane is filled from -1/2 to 1/2, the right one has its middle line only.
         self.assertEqual(sum(colour == middle_left for colour in column[:40]), 18)
         self.assertEqual(sum(colour == middle_right for colour in column[40:]), 1)

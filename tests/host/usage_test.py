@@ -9,8 +9,9 @@ COMMANDS = ["info", "frame", "export", "pipe", "audio", "waveform", "sheet", "se
 # A command line, and what its message names.
 NONSENSE = [
     ([], "subcommand"),
-    (["unheard"], "unheard"),
-    (["info"], "clips"),
+    (["unheard"], "no command 'unheard'"),
+    (["--module", "m.so", "unheard", "a.r3d"], "no command 'unheard'"),
+    (["info"], "at least one clip"),
     (["info", "a.r3d", "--unheard"], "unheard"),
     (["frame", "a.r3d"], "number"),
     (["frame", "a.r3d", "x"], "'x'"),
