@@ -24,6 +24,7 @@ enum class HandleType : std::uint32_t { kNone, kFile, kMutex, kProcess };
 
 struct ProcessFacts {
     DWORD id;
+    bool is_child;            // made by CreateProcessW
     std::int32_t terminated;  // by us, with the code beside it
     DWORD exit_code;
 };
