@@ -19,7 +19,8 @@ struct SdkKeyValues {
     virtual void* Destroy(uint32_t flags) = 0;    // bit 0: frees the object as well
 };
 
-// Further library files that a main library asks for.
+// Further library files that a main library asks for. A flag of 1, 2 or 4 tells by which status a file that cannot be
+// taken is reported.
 struct SdkImportList {
     virtual void* Destroy(uint32_t flags) = 0;  // bit 0: frees the object as well
     // The file name is relative to the main library's folder; the text is copied.
@@ -38,6 +39,27 @@ using SdkInitializeFunction = int32_t (*)(uint32_t phase, SdkKeyValues* values, 
 using SdkFinalizeFunction = void (*)();
 // Returns the option bits that the library did not understand.
 using SdkImportsFunction = uint32_t (*)(SdkImportList* list);
+
+// Keys that the client sets before it looks at a library. The texts live as long as the client's module.
+enum SdkKey : uint64_t {
+    kSdkKeyLogLevel = 0,
+    kSdkKeyMajor = 10,
+    kSdkKeyMinor = 11,
+    kSdkKeyPatch = 12,
+    kSdkKeyBuild = 13,      // text
+    kSdkKeyDate = 14,       // text
+    kSdkKeyVersion = 15,    // text
+    kSdkKeyKind = 20,       // text
+    kSdkKeyOptions = 30,    // the optional tables that are wanted
+    kSdkKeyFirstPath = 31,  // text: the folder of the process's first initialisation
+    kSdkKeySkipMatch = 1000,
+    kSdkKeyRedirectMode = 1001,
+};
+
+// Bits of the options: tables that have to be bound beside the five required ones.
+inline constexpr uint32_t kSdkOptionCuda = 1;
+inline constexpr uint32_t kSdkOptionOpenCl = 2;
+inline constexpr uint32_t kSdkOptionDecoder = 4;
 
 inline constexpr uint32_t kMainLibraryId = 0x52334410;
 inline constexpr char kMainLibraryFileName[] = "REDR3D-x64.dll";

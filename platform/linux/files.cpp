@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <csignal>
+#include <cstdio>
 
 #include "errors.h"
 #include "fault_point.h"
@@ -249,6 +250,22 @@ extern "C" BOOL DeleteFileW(const WCHAR* path) noexcept {
         const bool refused = S_ISDIR(facts.st_mode) || (!S_ISLNK(facts.st_mode) && IsReadOnly(facts.st_mode));
         if (refused) return Fail(ERROR_ACCESS_DENIED);
         return unlink(posix->c_str()) == 0 ? TRUE : Fail(platform::PathError(errno, *posix));
+    });
+}
+
+extern "C" BOOL MoveFileExW(const WCHAR* path, const WCHAR* new_path, DWORD flags) noexcept {
+    if (flags != MOVEFILE_REPLACE_EXISTING) return Fail(ERROR_NOT_SUPPORTED);
+    if (platform::FaultHere()) return Fail(ERROR_ACCESS_DENIED);
+    return Guarded(FALSE, [=] {
+        const auto from = platform::PosixPath(path);
+        const auto to = from ? platform::PosixPath(new_path) : std::nullopt;
+        if (!to) return FALSE;
+        struct stat facts {};
+        if (lstat(from->c_str(), &facts) != 0) return Fail(platform::PathError(errno, *from));
+        const bool is_there = lstat(to->c_str(), &facts) == 0;
+        const bool read_only = is_there && !S_ISLNK(facts.st_mode) && IsReadOnly(facts.st_mode);
+        if (is_there && (S_ISDIR(facts.st_mode) || read_only)) return Fail(ERROR_ACCESS_DENIED);
+        return rename(from->c_str(), to->c_str()) == 0 ? TRUE : Fail(platform::PathError(errno, *to));
     });
 }
 

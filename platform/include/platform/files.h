@@ -20,6 +20,7 @@ inline constexpr DWORD FILE_ATTRIBUTE_READONLY = 0x1;
 inline constexpr DWORD FILE_ATTRIBUTE_DIRECTORY = 0x10;
 inline constexpr DWORD FILE_ATTRIBUTE_NORMAL = 0x80;
 inline constexpr DWORD FILE_FLAG_SEQUENTIAL_SCAN = 0x08000000;
+inline constexpr DWORD MOVEFILE_REPLACE_EXISTING = 1;
 inline constexpr DWORD INVALID_FILE_ATTRIBUTES = 0xFFFFFFFF;
 inline constexpr DWORD INVALID_FILE_SIZE = 0xFFFFFFFF;
 inline constexpr DWORD FILE_BEGIN = 0;
@@ -38,6 +39,9 @@ extern "C" BOOL SetFilePointerEx(HANDLE file, LARGE_INTEGER move, LARGE_INTEGER*
 extern "C" DWORD GetFileSize(HANDLE file, DWORD* high) noexcept;
 extern "C" BOOL CloseHandle(HANDLE handle) noexcept;
 extern "C" BOOL DeleteFileW(const WCHAR* path) noexcept;
+// Flags must be MOVEFILE_REPLACE_EXISTING. A target that is a folder or read-only is refused with ERROR_ACCESS_DENIED;
+// nobody ever sees the target missing or half there.
+extern "C" BOOL MoveFileExW(const WCHAR* path, const WCHAR* new_path, DWORD flags) noexcept;
 extern "C" DWORD GetFileAttributesW(const WCHAR* path) noexcept;
 // Here every name is its own short form. Returns characters without the terminator, or the size wanted with it when
 // the buffer is too small, or 0.

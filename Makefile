@@ -1,0 +1,74 @@
+# The commands of this tree. Each sets itself up first: on a fresh Debian machine `make demo` or `make test` is enough.
+SHELL := /bin/bash
+.SHELLFLAGS := -eu -o pipefail -c
+.DEFAULT_GOAL := help
+.DELETE_ON_ERROR:
+
+PREFIX ?= /usr/local
+FUZZ_SECONDS ?= 30
+JOBS := $(shell nproc)
+
+# ccache: our precompiled headers, and hits from one checkout to the next.
+export CCACHE_SLOPPINESS := pch_defines,time_macros
+export CCACHE_BASEDIR := $(CURDIR)
+export CCACHE_NOHASHDIR := 1
+
+SOURCES = $$(git ls-files -- '*.h' '*.cpp')
+
+define build
+cmake --preset $(1) >build/$(1).configure.log 2>&1 || { cat build/$(1).configure.log; exit 1; }
+cmake --build --preset $(1)
+endef
+
+.PHONY: help setup build demo test test-asan test-tsan bench fuzz format check-format lint install clean
+
+help: ## this list
+	@sed -n 's/^\([a-z-]*\):[^#]*## /\1\t/p' $(MAKEFILE_LIST) | while IFS=$$'\t' read -r name text; do \
+	    printf '  make %-13s %s\n' "$$name" "$$text"; done
+
+setup:
+	@scripts/setup
+	@mkdir -p build
+
+build: setup ## the module, the decoder substitute, the host and the tests, in build/native
+	@$(call build,native)
+
+demo: build ## a sample clip, opened through the module: pictures, sound and a report in out/
+	@scripts/demo
+
+test: build ## the test suite
+	@ctest --preset native -j$(JOBS)
+
+test-asan: setup ## the same under AddressSanitizer and UndefinedBehaviorSanitizer
+	@$(call build,asan)
+	@ctest --preset asan -j$(JOBS)
+
+test-tsan: setup ## the same under ThreadSanitizer
+	@$(call build,tsan)
+	@ctest --preset tsan -j$(JOBS)
+
+bench: setup ## the benchmarks
+	@$(call build,bench)
+	@for b in build/bench/bin/bench_*; do echo "== $$b"; "$$b"; done
+
+fuzz: setup ## each fuzzer for FUZZ_SECONDS (30)
+	@$(call build,fuzz)
+	@for f in build/fuzz/bin/fuzz_*; do echo "== $$f"; \
+	    name=$${f##*/}; mkdir -p "build/fuzz/corpus/$$name"; \
+	    seeds=fuzz/seeds/$${name#fuzz_}; [ -d "$$seeds" ] || seeds=; \
+	    "$$f" -max_total_time=$(FUZZ_SECONDS) -print_final_stats=1 "build/fuzz/corpus/$$name" $$seeds; done
+
+format: setup ## formats every source file
+	@clang-format-14 -i $(SOURCES)
+
+check-format: setup ## fails when `make format` would change something
+	@clang-format-14 --dry-run --Werror $(SOURCES)
+
+lint: build ## clang-tidy over every source file
+	@run-clang-tidy-14 -quiet -p build/native "$(CURDIR)/(?!build/).*"
+
+install: build ## into PREFIX (/usr/local)
+	@cmake --install build/native --prefix "$(PREFIX)"
+
+clean: ## removes build/ and out/
+	@rm -rf build out

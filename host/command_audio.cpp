@@ -1,0 +1,63 @@
+// clipfio audio: the sound as a WAV file.
+#include "host/clip.h"
+#include "host/command.h"
+#include "host/console.h"
+#include "host/failure.h"
+#include "host/frame_options.h"
+#include "host/output_file.h"
+#include "host/positions.h"
+#include "host/progress.h"
+#include "host/sound.h"
+#include "host/wav_writer.h"
+
+namespace clipfio::host {
+namespace {
+
+struct Options {
+    std::string clip;
+    std::string output;
+    std::string from;
+    std::string count;
+};
+
+int Run(Context& context, const Options& options) {
+    const uint64_t first = options.from.empty() ? 0 : ParsePosition(options.from, "--from");
+    const InterruptScope interrupts;
+    Clip clip = OpenClip(context, options.clip);
+    const SoundFormat format = DescribeSound(clip);
+    const uint64_t left = format.samples - std::min(first, format.samples);
+    const uint64_t count = options.count.empty() ? left : ParsePosition(options.count, "--count");
+    if (first > format.samples || count > left) {
+        throw Failure("the clip has " + std::to_string(format.samples) + " samples; from " + std::to_string(first) +
+                      " on there are not " + std::to_string(count));
+    }
+    const std::string output =
+        options.output.empty() ? Utf8FromPath(PathFromUtf8(options.clip).stem()) + ".wav" : options.output;
+
+    WavWriter writer(output, format.rate, format.channels, format.channel_mask);
+    {
+        Progress progress("audio", count);
+        ReadSound(clip, format, first, count, [&](std::span<const float> samples) {
+            writer.Write(samples);
+            progress.Step(samples.size() / format.channels);
+        });
+    }
+    writer.Finish();
+    Say(std::to_string(count) + " samples, " + std::to_string(format.channels) + " channels at " +
+        std::to_string(format.rate) + " Hz, in " + output);
+    return kExitDone;
+}
+
+}  // namespace
+
+void AddAudio(CLI::App& app, Context& context) {
+    const auto options = std::make_shared<Options>();
+    CLI::App* command = app.add_subcommand("audio", "Writes the sound as a WAV file of 32-bit floats");
+    AddClip(*command, options->clip);
+    command->add_option("-o,--output", options->output, "The file (else the clip's name with .wav)")->type_name("FILE");
+    command->add_option("--from", options->from, "First sample, from 0")->type_name("A");
+    command->add_option("--count", options->count, "Samples per channel (else up to the end)")->type_name("N");
+    command->callback([options, &context] { context.run = [options, &context] { return Run(context, *options); }; });
+}
+
+}  // namespace clipfio::host

@@ -1,0 +1,130 @@
+// clipfio settings: shows and edits the decode settings of clips.
+#include "host/clip.h"
+#include "host/command.h"
+#include "host/console.h"
+#include "host/failure.h"
+#include "host/frame_options.h"
+#include "host/look.h"
+#include "host/settings_pass.h"
+
+namespace clipfio::host {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+struct Options {
+    std::vector<std::string> clips;
+    std::vector<std::string> set;
+    std::vector<std::string> unset;
+    std::string copy_from;
+    bool reset = false;
+    bool print = false;
+    bool json = false;
+    bool dry_run = false;
+    bool keys = false;
+};
+
+std::string DescribeChanges(const std::string& path, const PassResult& pass) {
+    std::string text = path + (pass.written ? "\n" : " (not written)\n");
+    bool changed = false;
+    for (const auto& [key, after] : pass.after.values) {
+        const auto before = pass.before.values.find(key);
+        if (before != pass.before.values.end() && before->second == after) continue;
+        changed = true;
+        text += "  " + key + ": " + (before != pass.before.values.end() ? before->second : "unknown") + " -> " + after +
+                "\n";
+    }
+    return changed ? text : text + "  nothing changes\n";
+}
+
+Json ChangesEntry(const PassResult& pass) {
+    Json changes = Json::object();
+    for (const auto& [key, after] : pass.after.values) {
+        const auto before = pass.before.values.find(key);
+        if (before != pass.before.values.end() && before->second == after) continue;
+        const bool known = before != pass.before.values.end();
+        changes[key] = {{"from", known ? TypedValue(key, before->second) : Json(nullptr)},
+                        {"to", TypedValue(key, after)}};
+    }
+    return changes;
+}
+
+class SettingsRun {
+  public:
+    SettingsRun(Context& context, const Options& options)
+        : context_(context), options_(options), edits_(ParseEdits(options.reset, options.unset, options.set)) {}
+
+    int Run() {
+        // Before the first clip is written: with no source there is nothing to do for any of them.
+        if (!options_.copy_from.empty()) {
+            Clip source = OpenClip(context_, options_.copy_from);
+            snapshot_ = GatherSnapshot(source);
+        }
+        FileResults results(options_.json);
+        for (const std::string& path : options_.clips) {
+            results.Add(path, [&](Json& entry) { return Work(path, entry); });
+        }
+        return results.Finish();
+    }
+
+  private:
+    std::string Work(const std::string& path, Json& entry) {
+        Clip clip(context_.GetModule(), path);
+        const PassResult pass = Pass(clip);
+        entry["decoder"] = pass.after.decoder.empty() ? Json(nullptr) : Json(pass.after.decoder);
+        entry["written"] = pass.written;
+        entry["changes"] = ChangesEntry(pass);
+        entry["settings"] = SettingsEntry(path, pass.after);
+        const bool edits = !edits_.Empty() || !options_.copy_from.empty();
+        std::string text = edits ? DescribeChanges(path, pass) : path + "\n";
+        if (!edits || options_.print) text += DescribeLook(pass.after, "  ");
+        return text;
+    }
+
+    PassResult Pass(Clip& clip) {
+        if (!options_.copy_from.empty()) return CopySettings(clip, snapshot_, options_.dry_run);
+        if (!edits_.Empty()) return EditSettings(clip, edits_, options_.dry_run);
+        const Look look = GatherLook(clip);
+        return {look, look, false};
+    }
+
+    Context& context_;
+    const Options& options_;
+    const SettingEdits edits_;
+    std::string snapshot_;
+};
+
+int Run(Context& context, const Options& options) {
+    if (options.keys) {
+        const std::string text = DescribeKeys();
+        static_cast<void>(WriteStandardOutput(text.data(), text.size()));
+        return kExitDone;
+    }
+    if (options.clips.empty()) throw UsageError("settings: name at least one clip");
+    if (!options.copy_from.empty() && (options.reset || !options.set.empty() || !options.unset.empty())) {
+        throw UsageError("--copy-from goes alone: edit the clips in a second run");
+    }
+    return SettingsRun(context, options).Run();
+}
+
+}  // namespace
+
+void AddSettings(CLI::App& app, Context& context) {
+    const auto options = std::make_shared<Options>();
+    CLI::App* command = app.add_subcommand("settings", "Shows and edits the decode settings of clips");
+    command->add_option("clips", options->clips, "The clips")->type_name("CLIP");
+    const auto repeated = [&](const char* name, std::vector<std::string>& values, const char* text, const char* type) {
+        command->add_option(name, values, text)->type_name(type)->allow_extra_args(false);
+    };
+    repeated("--set", options->set, "Gives a setting a value; may be given again", "KEY=VALUE");
+    repeated("--unset", options->unset, "Takes the clip's own value for a setting; may be given again", "KEY");
+    command->add_flag("--reset", options->reset, "Takes the clip's own values for all settings");
+    command->add_option("--copy-from", options->copy_from, "Takes all settings of another clip")->type_name("CLIP");
+    command->add_flag("--dry-run", options->dry_run, "Tells what would change and writes nothing");
+    command->add_flag("--print", options->print, "Prints all settings also after an edit");
+    command->add_flag("--json", options->json, "One JSON object for all clips");
+    command->add_flag("--keys", options->keys, "Lists the settings with their limits or choices");
+    command->callback([options, &context] { context.run = [options, &context] { return Run(context, *options); }; });
+}
+
+}  // namespace clipfio::host

@@ -1,0 +1,128 @@
+#include "host/look.h"
+
+#include <algorithm>
+#include <filesystem>
+
+#include "host/memory_stream.h"
+#include "host/numbers.h"
+#include "host/output_file.h"
+#include "host/result_text.h"
+#include "settings/property_table.h"
+
+namespace clipfio::host {
+namespace {
+
+constexpr std::size_t kNameColumn = 24;
+
+std::string Padded(std::string text, std::size_t width) {
+    if (text.size() < width) text.resize(width, ' ');
+    return text;
+}
+
+const std::string* Find(const Look& look, std::string_view key) {
+    const auto at = look.values.find(std::string(key));
+    return at == look.values.end() ? nullptr : &at->second;
+}
+
+std::string ChoiceName(const PropertyRow& row, const std::string& text) {
+    const auto number = ReadNumber<int32_t>(text);
+    for (const OfferedValue& offered : row.offered) {
+        if (number && static_cast<int32_t>(offered.value) == *number && offered.text != text) {
+            return " (" + std::string(offered.text) + ")";
+        }
+    }
+    return {};
+}
+
+std::string CurveLine(const Look& look, std::string_view name) {
+    std::string line;
+    for (std::size_t i = 0; i < kCurveCoordinateCount; i += 2) {
+        const std::string* x = Find(look, PropertyKey(name, i));
+        const std::string* y = Find(look, PropertyKey(name, i + 1));
+        if (x == nullptr || y == nullptr) return {};
+        line += (i > 0 ? "  " : "") + *x + "," + *y;
+    }
+    return line;
+}
+
+}  // namespace
+
+Look ParseLook(const std::string& snapshot) {
+    Look look;
+    std::size_t at = 0;
+    while (at < snapshot.size()) {
+        const std::size_t equals = snapshot.find('=', at);
+        if (equals == std::string::npos) break;
+        const std::size_t end = std::min(snapshot.find('|', equals), snapshot.size());
+        const std::string key = snapshot.substr(at, equals - at);
+        const std::string value = snapshot.substr(equals + 1, end - equals - 1);
+        if (FindProperty(key) != nullptr) look.values[key] = value;
+        if (key == "R3DSDK Version") look.decoder = value;
+        at = end + 1;
+    }
+    return look;
+}
+
+std::string GatherSnapshot(Clip& clip) {
+    MemoryStream snapshot;
+    Require(clip.Properties().BeginProperties(), "the settings cannot be read");
+    Require(clip.Properties().GatherProperties(&snapshot), "the settings cannot be read");
+    return snapshot.Bytes();
+}
+
+Look GatherLook(Clip& clip) { return ParseLook(GatherSnapshot(clip)); }
+
+std::string SettingsFileOf(const std::string& clip_path) {
+    return Utf8FromPath(PathFromUtf8(clip_path).replace_extension("KtDecProp"));
+}
+
+bool HasSettingsFile(const std::string& clip_path) {
+    std::error_code ignored;
+    return std::filesystem::is_regular_file(PathFromUtf8(SettingsFileOf(clip_path)), ignored);
+}
+
+nlohmann::ordered_json TypedValue(const std::string& key, const std::string& text) {
+    const PropertyRow* row = FindProperty(key);
+    if (row == nullptr) return nullptr;
+    if (row->kind == PropertyKind::Boolean) return text == "1";
+    if (row->kind == PropertyKind::Float || row->kind == PropertyKind::Coordinate) {
+        const auto number = ReadNumber<double>(text);
+        return number ? nlohmann::ordered_json(*number) : nlohmann::ordered_json(nullptr);
+    }
+    const auto number = ReadNumber<int32_t>(text);
+    return number ? nlohmann::ordered_json(*number) : nlohmann::ordered_json(nullptr);
+}
+
+nlohmann::ordered_json TypedValues(const Look& look) {
+    auto values = nlohmann::ordered_json::object();
+    for (std::size_t rank = 0; rank < kPropertyCount; ++rank) {
+        const std::string key(PropertyAtRank(rank).key);
+        const std::string* text = Find(look, key);
+        values[key] = text != nullptr ? TypedValue(key, *text) : nlohmann::ordered_json(nullptr);
+    }
+    return values;
+}
+
+nlohmann::ordered_json SettingsEntry(const std::string& clip_path, const Look& look) {
+    const bool from_file = HasSettingsFile(clip_path);
+    return {{"source", from_file ? "file" : "clip"},
+            {"file", from_file ? nlohmann::ordered_json(SettingsFileOf(clip_path)) : nlohmann::ordered_json(nullptr)},
+            {"values", TypedValues(look)}};
+}
+
+std::string DescribeLook(const Look& look, const std::string& indent) {
+    std::string lines;
+    for (std::size_t rank = 0; rank < kPropertyCount; ++rank) {
+        const PropertyRow& row = PropertyAtRank(rank);
+        const std::string* text = Find(look, row.key);
+        if (text == nullptr || row.kind == PropertyKind::Coordinate) continue;
+        lines += indent + Padded(std::string(row.key), kNameColumn) + *text + ChoiceName(row, *text) + "\n";
+    }
+    for (const CurveRow& curve : kCurveTable) {
+        const std::string line = CurveLine(look, curve.name);
+        if (!line.empty()) lines += indent + Padded(std::string(curve.name), kNameColumn) + line + "\n";
+    }
+    return lines;
+}
+
+}  // namespace clipfio::host

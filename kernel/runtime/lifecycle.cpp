@@ -1,0 +1,25 @@
+#include "kernel/runtime/lifecycle.h"
+
+#include <utility>
+
+#include "kernel/lang.h"
+
+namespace {
+
+constinit HMODULE g_app_kernel = nullptr;
+
+}  // namespace
+
+bool KtKernel_EarlyInitialize(HMODULE module, uint32_t) noexcept {
+    g_app_kernel = module;
+    HKTLANG& language = clipfio::KernelLanguage();
+    return language || SUCCEEDED(KtLang_Open(&language, module, 0, 0));
+}
+
+int32_t KtKernel_LateTerminate(HMODULE) noexcept {
+    KtLang_Close(std::exchange(clipfio::KernelLanguage(), nullptr));
+    g_app_kernel = nullptr;
+    return 1;
+}
+
+HMODULE KtKernel_GetAppKernel() noexcept { return g_app_kernel; }

@@ -1,0 +1,55 @@
+// What the reader's COM objects share: the count, and the steps of QueryInterface.
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+
+#include "platform/base.h"
+#include "platform/com.h"
+#include "platform/scoped.h"
+
+namespace clipfio {
+
+// An interlocked reference count; both operations give the new count.
+class ReferenceCount {
+  public:
+    explicit ReferenceCount(uint32_t start) noexcept : count_(start) {}
+    uint32_t Increment() noexcept { return count_.fetch_add(1, std::memory_order_relaxed) + 1; }
+    uint32_t Decrement() noexcept { return count_.fetch_sub(1, std::memory_order_acq_rel) - 1; }
+
+  private:
+    std::atomic<uint32_t> count_;
+};
+
+// The recursive mutex that each reader object but the class objects has.
+class ObjectLock {
+  public:
+    ObjectLock() noexcept : mutex_(CreateMutexW(nullptr, FALSE, nullptr)) {}
+    // False when the platform had no mutex to give; the object must then not be used.
+    [[nodiscard]] bool IsGood() const noexcept { return static_cast<bool>(mutex_); }
+    [[nodiscard]] platform::MutexLock Hold() noexcept { return platform::MutexLock(mutex_.Get()); }
+
+  private:
+    platform::ScopedHandle mutex_;
+};
+
+// Hands `interface` out with a reference.
+template <class Interface>
+HRESULT HandOut(Interface* interface, void** out) noexcept {
+    interface->AddRef();
+    *out = interface;
+    return S_OK;
+}
+
+// The answer of both streams: the interface with a reference, S_OK for a known id and a null out, null and
+// E_NOINTERFACE for others.
+template <class Interface>
+HRESULT HandOutStream(Interface* interface, bool known, void** out) noexcept {
+    if (!known) {
+        if (out) *out = nullptr;
+        return E_NOINTERFACE;
+    }
+    return out ? HandOut(interface, out) : S_OK;
+}
+
+}  // namespace clipfio

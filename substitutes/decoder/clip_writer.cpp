@@ -1,0 +1,227 @@
+#include "substitutes/decoder/clip_writer.h"
+
+#include <algorithm>
+#include <new>
+#include <vector>
+
+#include "platform/endian.h"
+#include "platform/files.h"
+#include "platform/text.h"
+#include "substitutes/decoder/file_access.h"
+#include "substitutes/decoder/reduced_sizes.h"
+#include "substitutes/decoder/timecode.h"
+
+namespace clipfio::decoder {
+namespace {
+
+constexpr size_t kCopyBytes = size_t{1} << 20;
+
+ClipHeader HeaderOf(const ClipDescription& d) noexcept {
+    ClipHeader h;
+    h.width = d.width;
+    h.height = d.height;
+    h.rateNumerator = d.rate_numerator;
+    h.rateDenominator = d.rate_denominator;
+    h.frameBytes = LevelOffset(d.width, d.height, kLevels);
+    h.startFrame = d.start_frame;
+    h.flags = d.drop_frame ? kDropFrameFlag : 0;
+    h.coding = d.coding;
+    h.settings = d.settings;
+    if (d.sample_rate != 0) {
+        h.sampleRate = d.sample_rate;
+        h.sampleSize = d.sample_size;
+        h.channelMask = d.channel_mask;
+        // A block holds the sound of one frame.
+        const uint64_t samples = (uint64_t{d.sample_rate} * d.rate_denominator + d.rate_numerator - 1) /
+                                 std::max<uint64_t>(d.rate_numerator, 1);
+        h.blockSamples = static_cast<uint32_t>(std::clamp<uint64_t>(samples, 1, kMaximumBlockSamples));
+    }
+    return h;
+}
+
+// Null when the description makes a clip.
+const char* FaultOf(const ClipDescription& d) noexcept {
+    const auto side_is_good = [](uint32_t side) { return side >= 1 && side <= kMaximumSide; };
+    if (!side_is_good(d.width) || !side_is_good(d.height)) return "width and height must be from 1 to 16384 pixels";
+    if (d.rate_numerator == 0 || d.rate_denominator == 0) return "the frame rate must be above 0";
+    if (d.drop_frame && !MayDropFrames(d.rate_numerator, d.rate_denominator)) {
+        return "drop-frame timecode needs a frame rate of 30000/1001 or 60000/1001";
+    }
+    const TimecodeRate rate{NominalFps(d.rate_numerator, d.rate_denominator), d.drop_frame};
+    if (d.start_frame >= FramesPerDay(rate)) return "the start timecode must be before 24 hours";
+    if (d.coding != PictureCoding::Linear && d.coding != PictureCoding::Rec709 && d.coding != PictureCoding::Srgb) {
+        return "unknown picture coding";
+    }
+    if (d.settings.version != 2 || d.settings.size != sizeof(DecodeSettingsRecord)) return "unknown settings record";
+    if (d.sample_rate == 0) return nullptr;
+    if (d.sample_size != 16 && d.sample_size != 24 && d.sample_size != 32) {
+        return "the sample size must be 16, 24 or 32 bits";
+    }
+    if (d.channel_mask == 0 || d.channel_mask > 0xF) return "the channel mask must name one to four channels";
+    return nullptr;
+}
+
+}  // namespace
+
+struct ClipWriter::Job {
+    Job(WStringView target, const ClipDescription& d)
+        : path(target),
+          pictures_path(path + W(".part")),
+          sound_path(path + W(".sound.part")),
+          header(HeaderOf(d)),
+          reduced(d.width, d.height, d.coding) {}
+    ~Job() {
+        if (pictures.IsOpen()) (void)pictures.Close();
+        if (!finished) DeleteFileW(pictures_path.c_str());
+        DropSound();
+    }
+    Job(const Job&) = delete;
+    Job& operator=(const Job&) = delete;
+
+    void DropSound() noexcept {
+        if (!has_sound_file) return;
+        if (sound.IsOpen()) (void)sound.Close();
+        DeleteFileW(sound_path.c_str());
+        has_sound_file = false;
+    }
+
+    [[nodiscard]] bool Start() {
+        // The header is written last; until then its place holds zeros, which no reader takes for a clip.
+        const std::vector<std::byte> zeros(sizeof(ClipHeader));
+        return pictures.Create(pictures_path) && pictures.Write(zeros.data(), zeros.size());
+    }
+
+    [[nodiscard]] bool WriteFrame(const uint16_t* rgb) {
+        const std::vector<uint16_t>& smaller = reduced.Make(rgb);
+        const uint64_t bytes = LevelOffset(header.width, header.height, 1);
+        if (!pictures.Write(rgb, bytes)) return false;
+        if (!pictures.Write(smaller.data(), smaller.size() * sizeof(uint16_t))) return false;
+        ++header.frameCount;
+        return true;
+    }
+
+    // Sound waits in a file of its own, since it stands behind the last picture.
+    [[nodiscard]] bool WriteSound(const int32_t* interleaved, size_t samples) {
+        if (!has_sound_file) {
+            if (!sound.Create(sound_path)) return false;
+            has_sound_file = true;
+        }
+        const size_t values = samples * ChannelCount(header.channelMask);
+        for (size_t done = 0; done < values;) {
+            const size_t part = std::min(values - done, kCopyBytes / sizeof(int32_t));
+            copy.resize(kCopyBytes);
+            for (size_t i = 0; i < part; ++i) {
+                platform::StoreBig(copy.data() + i * sizeof(int32_t), interleaved[done + i]);
+            }
+            if (!sound.Write(copy.data(), part * sizeof(int32_t))) return false;
+            done += part;
+        }
+        header.sampleCount += samples;
+        return true;
+    }
+
+    [[nodiscard]] bool AppendSound() {
+        if (!has_sound_file) return true;
+        if (!sound.Close()) return false;
+        InputFile input;
+        if (!input.Open(sound_path)) return false;
+        copy.resize(kCopyBytes);
+        for (uint64_t done = 0; done < input.Size();) {
+            const size_t part = input.ReadAt(done, copy.data(), copy.size());
+            if (part == 0 || !pictures.Write(copy.data(), part)) return false;
+            done += part;
+        }
+        return true;
+    }
+
+    [[nodiscard]] bool WriteHeader() {
+        header.soundOffset = header.picturesOffset + header.frameCount * header.frameBytes;
+        header.checksum = HeaderChecksum(header);
+        return pictures.Rewind() && pictures.Write(&header, sizeof header);
+    }
+
+    WString path;
+    WString pictures_path;
+    WString sound_path;
+    ClipHeader header;
+    ReducedSizes reduced;
+    OutputFile pictures;
+    OutputFile sound;
+    std::vector<std::byte> copy;
+    bool has_sound_file = false;
+    bool finished = false;
+};
+
+ClipWriter::ClipWriter() = default;
+ClipWriter::~ClipWriter() = default;
+
+bool ClipWriter::Fail(const char* text) {
+    job_.reset();
+    error_ = text;
+    return false;
+}
+
+template <class Step>
+bool ClipWriter::Run(Step step) noexcept {
+    try {
+        if (!job_) {
+            if (error_.empty()) error_ = "no clip is being written";
+            return false;
+        }
+        return step();
+    } catch (const std::exception&) {
+        job_.reset();
+        error_ = "out of memory";  // short enough to need none
+        return false;
+    }
+}
+
+bool ClipWriter::Open(WStringView path, const ClipDescription& description) noexcept {
+    job_.reset();
+    error_.clear();
+    try {
+        if (path.empty()) return Fail("the path is empty");
+        if (const char* fault = FaultOf(description)) return Fail(fault);
+        job_ = std::make_unique<Job>(path, description);
+        if (job_->Start()) return true;
+        return Fail(("cannot write " + platform::Utf8(job_->pictures_path)).c_str());
+    } catch (const std::exception&) {
+        job_.reset();
+        error_ = "out of memory";
+        return false;
+    }
+}
+
+bool ClipWriter::AddFrame(const uint16_t* rgb) noexcept {
+    return Run([&] {
+        if (rgb == nullptr) return Fail("no picture was given");
+        return job_->WriteFrame(rgb) || Fail("cannot write a picture: the disk may be full");
+    });
+}
+
+bool ClipWriter::AddAudio(const int32_t* interleaved, size_t samples) noexcept {
+    return Run([&] {
+        if (samples == 0) return true;
+        if (interleaved == nullptr) return Fail("no sound was given");
+        if (job_->header.sampleRate == 0) return Fail("the clip was described as one without sound");
+        return job_->WriteSound(interleaved, samples) || Fail("cannot write sound: the disk may be full");
+    });
+}
+
+bool ClipWriter::Finish() noexcept {
+    return Run([&] {
+        if (!job_->AppendSound() || !job_->WriteHeader() || !job_->pictures.Close()) {
+            return Fail("cannot complete the file: the disk may be full");
+        }
+        if (!MoveFileExW(job_->pictures_path.c_str(), job_->path.c_str(), MOVEFILE_REPLACE_EXISTING)) {
+            return Fail(("cannot name the finished file " + platform::Utf8(job_->path)).c_str());
+        }
+        job_->finished = true;
+        job_.reset();
+        return true;
+    });
+}
+
+uint64_t ClipWriter::FrameCount() const noexcept { return job_ ? job_->header.frameCount : 0; }
+
+}  // namespace clipfio::decoder
