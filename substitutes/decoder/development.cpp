@@ -28,13 +28,18 @@ void StoreBgra(uint8_t* out, uint32_t red, uint32_t green, uint32_t blue) noexce
     std::memcpy(out, &pixel, sizeof pixel);
 }
 
-// The pixels that are mixed at a time, channel by channel; a stack's worth that stays in the nearest cache.
-constexpr size_t kRun = 256;
-struct Run {
-    alignas(64) float light[3][kRun]{};
-    alignas(64) int32_t place[3][kRun];
+}  // namespace
 
-    void Load(const uint16_t* rgb, size_t count, const float* red, const float* green, const float* blue) noexcept {
+// The pixels that are mixed at a time, channel by channel; a stack's worth that stays in the nearest cache.
+struct Development::Run {
+    static constexpr size_t kPixels = 256;
+
+    alignas(64) float light[3][kPixels]{};
+    alignas(64) int32_t place[3][kPixels];
+
+    void Load(const uint16_t* rgb, size_t count, const Tables<float>& tables, const float* otherwise) noexcept {
+        const auto table = [&](size_t c) { return tables.values.empty() ? otherwise : tables.Of(c); };
+        const float *red = table(0), *green = table(1), *blue = table(2);
         for (size_t i = 0; i < count; ++i, rgb += 3) {
             light[0][i] = red[rgb[0]];
             light[1][i] = green[rgb[1]];
@@ -46,14 +51,12 @@ struct Run {
     void Mix(const std::array<float, 9>& m) noexcept {
         for (size_t c = 0; c < 3; ++c) {
             const float r = m[c * 3], g = m[c * 3 + 1], b = m[c * 3 + 2];
-            for (size_t i = 0; i < kRun; ++i) {
+            for (size_t i = 0; i < kPixels; ++i) {
                 place[c][i] = LightPlace(r * light[0][i] + g * light[1][i] + b * light[2][i]);
             }
         }
     }
 };
-
-}  // namespace
 
 template <class T>
 template <class Fill, class Alike>
@@ -72,11 +75,11 @@ void Development::Tables<T>::Make(size_t entries, Fill fill, Alike alike) {
 }
 
 Development::Development(const DecodeSettingsRecord& settings, PictureCoding coding, PixelType type)
-    : settings_(settings), coding_(coding), type_(type) {
+    : settings_(settings), coding_(coding), type_(type), stored_light_(LinearTable(coding)) {
+    if (stored_light_ == nullptr) throw std::bad_alloc();
     const Look look(settings);
-    MakeLight(look);
-    MakeSignal(look);
     mixes_ = look.Mixing() != Matrix3{};
+    MakeSignal(look);
     if (mixes_) {
         MakeMixed(look);
     } else {
@@ -89,11 +92,9 @@ bool Development::IsFor(const DecodeSettingsRecord& settings, PictureCoding codi
 }
 
 void Development::MakeLight(const Look& look) {
-    const float* stored = LinearTable(coding_);
-    if (stored == nullptr) throw std::bad_alloc();
     const auto fill = [&](size_t c, float* out) {
         for (size_t i = 0; i < kCodes; ++i) {
-            out[i] = static_cast<float>(look.ExposedLight(c, static_cast<double>(stored[i])));
+            out[i] = static_cast<float>(look.ExposedLight(c, static_cast<double>(stored_light_[i])));
         }
     };
     light_.Make(kCodes, fill, [&look](size_t a, size_t b) { return look.ExposesAlike(a, b); });
@@ -110,7 +111,13 @@ void Development::MakeSignal(const Look& look) {
 }
 
 void Development::MakeMixed(const Look& look) {
-    for (size_t i = 0; i < 9; ++i) matrix_[i] = static_cast<float>(look.Mixing().rows[i / 3][i % 3]);
+    Matrix3 mixing = look.Mixing();
+    if (look.ExposesByFactor()) {
+        mixing = mixing * Diagonal(look.ExposureFactors());
+    } else {
+        MakeLight(look);
+    }
+    for (size_t i = 0; i < 9; ++i) matrix_[i] = static_cast<float>(mixing.rows[i / 3][i % 3]);
     if (type_ == PixelType::Rgb16) return;
     const auto fill = [this](size_t c, uint8_t* out) {
         const float* signal = signal_.Of(c);
@@ -121,6 +128,7 @@ void Development::MakeMixed(const Look& look) {
 }
 
 void Development::MakeDirect(const Look& look) {
+    MakeLight(look);
     const auto alike = [&look](size_t a, size_t b) { return look.ExposesAlike(a, b) && look.GradesAlike(a, b); };
     const auto whole_way = [this](size_t c, size_t code) {
         return SignalAt(signal_.Of(c), LightPlace(light_.Of(c)[code]));
@@ -173,9 +181,9 @@ void Development::Direct16(const uint16_t* rgb, uint16_t* out, size_t pixels) co
 void Development::Mix8(const uint16_t* rgb, uint8_t* out, size_t pixels) const noexcept {
     const uint8_t *red = signal8_.Of(0), *green = signal8_.Of(1), *blue = signal8_.Of(2);
     Run run;
-    for (size_t done = 0; done < pixels; done += kRun) {
-        const size_t count = std::min(kRun, pixels - done);
-        run.Load(rgb + done * 3, count, light_.Of(0), light_.Of(1), light_.Of(2));
+    for (size_t done = 0; done < pixels; done += Run::kPixels) {
+        const size_t count = std::min(Run::kPixels, pixels - done);
+        run.Load(rgb + done * 3, count, light_, stored_light_);
         run.Mix(matrix_);
         uint8_t* to = out + done * 4;
         for (size_t i = 0; i < count; ++i, to += 4) {
@@ -187,9 +195,9 @@ void Development::Mix8(const uint16_t* rgb, uint8_t* out, size_t pixels) const n
 
 void Development::Mix16(const uint16_t* rgb, uint16_t* out, size_t pixels) const noexcept {
     Run run;
-    for (size_t done = 0; done < pixels; done += kRun) {
-        const size_t count = std::min(kRun, pixels - done);
-        run.Load(rgb + done * 3, count, light_.Of(0), light_.Of(1), light_.Of(2));
+    for (size_t done = 0; done < pixels; done += Run::kPixels) {
+        const size_t count = std::min(Run::kPixels, pixels - done);
+        run.Load(rgb + done * 3, count, light_, stored_light_);
         run.Mix(matrix_);
         for (size_t c = 0; c < 3; ++c) {
             const float* signal = signal_.Of(c);

@@ -38,6 +38,8 @@ class Development {
         void Make(size_t entries, Fill fill, Alike alike);
     };
 
+    struct Run;
+
     void MakeLight(const Look& look);
     void MakeSignal(const Look& look);
     void MakeMixed(const Look& look);
@@ -53,10 +55,11 @@ class Development {
     bool mixes_ = false;
     bool copies_ = false;  // 16 bits come out as they went in
     std::array<float, 9> matrix_{};
-    Tables<float> light_;      // by stored code
-    Tables<float> signal_;     // by step of light, scaled to the full 16 bits
-    Tables<uint8_t> signal8_;  // the same for 8 bits, in the middle of each step
-    Tables<uint16_t> direct_;  // by stored code, when nothing is mixed
+    const float* stored_light_;  // by stored code, before any setting
+    Tables<float> light_;        // by stored code; none when the exposure is in the matrix
+    Tables<float> signal_;       // by step of light, scaled to the full 16 bits
+    Tables<uint8_t> signal8_;    // the same for 8 bits, in the middle of each step
+    Tables<uint16_t> direct_;    // by stored code, when nothing is mixed
     Tables<uint8_t> direct8_;
 };
 

@@ -9,21 +9,22 @@
 namespace clipfio::decoder {
 
 inline constexpr float kLightOffset = 0x1p-8f;
-inline constexpr float kLightTop = 0x1p8f;  // light ends short of this
 inline constexpr int32_t kStepBits = 10;
 inline constexpr int32_t kStepShift = 23 - kStepBits;
 inline constexpr int32_t kFirstStepBits = std::bit_cast<int32_t>(kLightOffset);
-inline constexpr size_t kLightSteps = 16 << kStepBits;
-static_assert((std::bit_cast<int32_t>(kLightTop) - kFirstStepBits) >> kStepShift == kLightSteps);
+inline constexpr int32_t kPlaces = std::bit_cast<int32_t>(0x1p8f) - kFirstStepBits;  // light ends at 256
+inline constexpr size_t kLightSteps = kPlaces >> kStepShift;
+static_assert(kLightSteps == 16 << kStepBits);
 
 // The place of `light`, which may be negative, on the scale: the step, and below it kStepShift bits of the way to the
 // next one.
 inline int32_t LightPlace(float light) noexcept {
-    // The largest float below the top.
-    constexpr float kLast = std::bit_cast<float>(std::bit_cast<int32_t>(kLightTop) - 1);
-    float shifted = (light > 0.0f ? light : 0.0f) + kLightOffset;
-    shifted = shifted < kLast ? shifted : kLast;
-    return std::bit_cast<int32_t>(shifted) - kFirstStepBits;
+    // Limits are set on the bits, in whose order floats above 0 stand: a choice between floats may trap and so keeps
+    // the compiler from making vectors.
+    const auto bits = std::bit_cast<int32_t>(light);
+    const float above_black = std::bit_cast<float>(bits & ~(bits >> 31));
+    const int32_t place = std::bit_cast<int32_t>(above_black + kLightOffset) - kFirstStepBits;
+    return place < kPlaces ? place : kPlaces - 1;
 }
 
 // The light at a place.

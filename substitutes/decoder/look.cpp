@@ -79,6 +79,10 @@ double Look::ExposedLight(size_t channel, double light) const noexcept {
     return std::min(HoldHighlights(x, drx_), kMostLight);
 }
 
+bool Look::ExposesByFactor() const noexcept {
+    return flut_ == 1.0 && drx_ == 0.0 && shadow_ == 0.0 && !enhanced_blacks_;
+}
+
 // Between the signal and a smooth S, which keeps 0, 0.5 and 1.
 double Look::Contrast(double x) const noexcept {
     if (x > 1.0) return 1.0 + (x - 1.0) * (1.0 - contrast_);

@@ -21,6 +21,9 @@ class Look {
 
     // The light of a stored sample, 0..1, after exposure, white balance, gains and what bends shadows and highlights.
     [[nodiscard]] double ExposedLight(size_t channel, double light) const noexcept;
+    // Whether ExposedLight is no more than a factor for each channel, and that factor.
+    [[nodiscard]] bool ExposesByFactor() const noexcept;
+    [[nodiscard]] const Vector3& ExposureFactors() const noexcept { return exposure_; }
     // Saturation and colour space. The identity when neither changes anything.
     [[nodiscard]] const Matrix3& Mixing() const noexcept { return mixing_; }
     // Mixed light, 0 and more, to the signal that is delivered, 0..1.
