@@ -3,25 +3,18 @@
 #include <algorithm>
 #include <array>
 
+#include "substitutes/decoder/digit_font.h"
+
 namespace clipfio::host {
 namespace {
 
-constexpr uint32_t kDigitWidth = 3;
-constexpr uint32_t kDigitHeight = 5;
-// Rows from the top, three bits each.
-constexpr std::array<std::array<uint8_t, kDigitHeight>, 10> kDigits = {{{7, 5, 5, 5, 7},
-                                                                        {2, 6, 2, 2, 7},
-                                                                        {7, 1, 7, 4, 7},
-                                                                        {7, 1, 7, 1, 7},
-                                                                        {5, 5, 7, 1, 1},
-                                                                        {7, 4, 7, 1, 7},
-                                                                        {7, 4, 7, 5, 7},
-                                                                        {7, 1, 2, 2, 2},
-                                                                        {7, 5, 7, 5, 7},
-                                                                        {7, 5, 7, 1, 7}}};
+using decoder::kDigitHeight;
+using decoder::kDigits;
+using decoder::kDigitWidth;
 
 void SetPixel(RgbImage8& image, int64_t x, int64_t y, Colour colour) {
-    uint8_t* pixel = image.samples.data() + (static_cast<std::size_t>(y) * image.width + static_cast<std::size_t>(x)) * 3;
+    uint8_t* pixel =
+        image.samples.data() + (static_cast<std::size_t>(y) * image.width + static_cast<std::size_t>(x)) * 3;
     pixel[0] = colour.red;
     pixel[1] = colour.green;
     pixel[2] = colour.blue;
@@ -76,7 +69,7 @@ void DrawScaled(RgbImage8& image, int64_t left, int64_t top, uint32_t width, uin
 void DrawDigits(RgbImage8& image, int64_t left, int64_t top, uint32_t size, const std::string& digits, Colour colour) {
     for (const char c : digits) {
         if (c < '0' || c > '9') continue;
-        const auto& rows = kDigits[static_cast<std::size_t>(c - '0')];
+        const uint8_t* rows = kDigits[c - '0'];
         for (uint32_t y = 0; y < kDigitHeight; ++y) {
             for (uint32_t x = 0; x < kDigitWidth; ++x) {
                 if ((rows[y] >> (kDigitWidth - 1 - x) & 1) == 0) continue;

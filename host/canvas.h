@@ -22,7 +22,7 @@ void FillBox(RgbImage8& image, int64_t left, int64_t top, int64_t width, int64_t
 // `source` fills the box; each pixel of it is the mean of what it covers.
 void DrawScaled(RgbImage8& image, int64_t left, int64_t top, uint32_t width, uint32_t height, const RgbImage8& source);
 
-// Decimal digits; `size` is the edge of one dot of the font, whose digits are 3 wide and 5 high with 1 between them.
+// Decimal digits; `size` is the edge of one dot of the font, whose digits are 5 wide and 7 high with 1 between them.
 void DrawDigits(RgbImage8& image, int64_t left, int64_t top, uint32_t size, const std::string& digits, Colour colour);
 
 }  // namespace clipfio::host

@@ -28,8 +28,7 @@ Clip OpenClip(Context& context, const std::string& path) {
 
 void Say(const std::string& line) { std::fprintf(stderr, "clipfio: %s\n", line.c_str()); }
 
-void FileResults::Add(const std::string& path,
-                      const std::function<std::string(nlohmann::ordered_json& entry)>& work) {
+void FileResults::Add(const std::string& path, const std::function<std::string(nlohmann::ordered_json& entry)>& work) {
     nlohmann::ordered_json entry = {{"path", path}, {"error", nullptr}};
     try {
         const std::string text = work(entry);

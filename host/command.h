@@ -18,7 +18,7 @@ class Context {
     // Loaded at the first call. Throws Failure.
     Module& GetModule();
 
-    std::string module_path;    // as the user gave it
+    std::string module_path;   // as the user gave it
     std::function<int()> run;  // the command that was chosen; gives the exit status
 
   private:

@@ -88,7 +88,8 @@ void MakeFolder(const std::string& folder) {
     std::error_code error;
     fs::create_directories(PathFromUtf8(folder), error);
     if (error || !fs::is_directory(PathFromUtf8(folder))) {
-        throw Failure("cannot make the folder " + folder + ": " + (error ? error.message() : "a file of that name is there"));
+        throw Failure("cannot make the folder " + folder + ": " +
+                      (error ? error.message() : "a file of that name is there"));
     }
 }
 
@@ -107,7 +108,8 @@ int Run(Context& context, const Options& options) {
         job.Run(clips);
         done = job.Done();
     }
-    const std::string count = std::to_string(done) + " of " + std::to_string(range.Count()) + " frames in " + options.folder;
+    const std::string count =
+        std::to_string(done) + " of " + std::to_string(range.Count()) + " frames in " + options.folder;
     if (InterruptScope::Requested()) throw Failure("stopped; " + count);
     Say(count);
     return kExitDone;
@@ -119,7 +121,9 @@ void AddExport(CLI::App& app, Context& context) {
     const auto options = std::make_shared<Options>();
     CLI::App* command = app.add_subcommand("export", "Writes frames as PNG files into a folder");
     AddClip(*command, options->clip);
-    command->add_option("folder", options->folder, "The folder, made where it is missing")->required()->type_name("DIR");
+    command->add_option("folder", options->folder, "The folder, made where it is missing")
+        ->required()
+        ->type_name("DIR");
     AddFrameRange(*command, options->range);
     command->add_option("--jobs", options->jobs, "Frames that are worked on at a time")
         ->check(CLI::Range(1u, 256u))

@@ -66,8 +66,7 @@ void AddFrame(CLI::App& app, Context& context) {
     command->add_option("-o,--output", options->output, "The file; .pfm holds floats, everything else is PNG")
         ->type_name("FILE");
     AddFrameOptions(*command, options->frame);
-    command
-        ->add_option("--bits", options->frame.bits, "32: 8 bits a sample. 128: floats; 16 bits a sample in a PNG")
+    command->add_option("--bits", options->frame.bits, "32: 8 bits a sample. 128: floats; 16 bits a sample in a PNG")
         ->check(CLI::IsMember({32, 128}))
         ->capture_default_str();
     command

@@ -95,7 +95,9 @@ Json TimecodeEntry(Clip& clip) {
             {"last_ticks", *last}};
 }
 
-std::string Text(const Json& value) { return value.is_null() ? "unknown" : value.is_string() ? value.get<std::string>() : value.dump(); }
+std::string Text(const Json& value) {
+    return value.is_null() ? "unknown" : value.is_string() ? value.get<std::string>() : value.dump();
+}
 
 std::string Describe(const std::string& path, const Json& entry, const Look& look) {
     const Json& video = entry["video"];
@@ -113,14 +115,14 @@ std::string Describe(const std::string& path, const Json& entry, const Look& loo
     text += line("data rate", Text(entry["data_rate"]) + " bytes a second");
     text += line("video", Text(video["type"]) + ", " + Text(video["format"]) + ", " + Text(video["data_rate"]) +
                               " bytes a second");
-    text += line("audio", audio.is_null() ? "none"
-                                          : Text(audio["type"]) + ", " + Text(audio["format"]) + ", " +
-                                                Text(audio["samples"]) + " samples, " + Text(audio["data_rate"]) +
-                                                " bytes a second");
+    text += line("audio", audio.is_null()
+                              ? "none"
+                              : Text(audio["type"]) + ", " + Text(audio["format"]) + ", " + Text(audio["samples"]) +
+                                    " samples, " + Text(audio["data_rate"]) + " bytes a second");
     text += line("timecode", timecode.is_null() ? "none" : Text(timecode["first"]) + " to " + Text(timecode["last"]));
     text += line("decoder", Text(entry["decoder"]));
     text += line("settings", entry["settings"]["source"] == "file" ? "from " + Text(entry["settings"]["file"])
-                                                                    : std::string("the clip's own"));
+                                                                   : std::string("the clip's own"));
     return text + DescribeLook(look, "    ");
 }
 
@@ -162,7 +164,8 @@ void AddInfo(CLI::App& app, Context& context) {
         bool json = false;
     };
     const auto options = std::make_shared<Options>();
-    CLI::App* command = app.add_subcommand("info", "Tells what clips are: streams, duration, timecode, settings in force");
+    CLI::App* command =
+        app.add_subcommand("info", "Tells what clips are: streams, duration, timecode, settings in force");
     command->add_option("clips", options->clips, "The clips")->required()->type_name("CLIP");
     command->add_flag("--json", options->json, "One JSON object for all clips");
     command->callback([options, &context] {

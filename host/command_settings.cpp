@@ -31,7 +31,8 @@ std::string DescribeChanges(const std::string& path, const PassResult& pass) {
         const auto before = pass.before.values.find(key);
         if (before != pass.before.values.end() && before->second == after) continue;
         changed = true;
-        text += "  " + key + ": " + (before != pass.before.values.end() ? before->second : "unknown") + " -> " + after + "\n";
+        text += "  " + key + ": " + (before != pass.before.values.end() ? before->second : "unknown") + " -> " + after +
+                "\n";
     }
     return changed ? text : text + "  nothing changes\n";
 }

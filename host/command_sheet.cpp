@@ -18,8 +18,8 @@ namespace {
 constexpr Colour kBackground{24, 26, 30};
 constexpr Colour kLabel{220, 220, 220};
 constexpr uint32_t kGap = 8;
-constexpr uint32_t kDot = 3;
-constexpr uint32_t kLabelHeight = 5 * kDot + 8;
+constexpr uint32_t kDot = 2;
+constexpr uint32_t kLabelHeight = 7 * kDot + 8;
 constexpr uint32_t kMostFrames = 400;
 
 struct Options {
@@ -52,7 +52,8 @@ int Run(Context& context, const Options& options) {
     const auto height = static_cast<uint32_t>(std::max<uint64_t>(1, uint64_t{width} * full.height / full.width));
     const uint32_t cell_width = width + kGap;
     const uint32_t cell_height = height + kLabelHeight + kGap;
-    if (uint64_t{cell_height} * rows > 65535) throw Failure("the sheet would be too large: ask for fewer frames or a smaller --width");
+    if (uint64_t{cell_height} * rows > 65535)
+        throw Failure("the sheet would be too large: ask for fewer frames or a smaller --width");
     RgbImage8 image = MakeImage(columns * cell_width + kGap, rows * cell_height + kGap, kBackground);
 
     Progress progress("sheet", cells);

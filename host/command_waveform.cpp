@@ -52,7 +52,8 @@ std::vector<Column> Collect(Clip& clip, const SoundFormat& format, uint32_t widt
     uint64_t at = 0;
     ReadSound(clip, format, 0, format.samples, [&](std::span<const float> samples) {
         for (std::size_t i = 0; i < samples.size(); i += format.channels, ++at) {
-            const auto x = static_cast<std::size_t>(static_cast<double>(at) / static_cast<double>(format.samples) * width);
+            const auto x =
+                static_cast<std::size_t>(static_cast<double>(at) / static_cast<double>(format.samples) * width);
             for (std::size_t channel = 0; channel < format.channels; ++channel) {
                 columns[channel * width + std::min<std::size_t>(x, width - 1)].Add(samples[i + channel]);
             }
@@ -86,8 +87,7 @@ int Run(Context& context, const Options& options) {
     const InterruptScope interrupts;
     Clip clip = OpenClip(context, options.clip);
     const SoundFormat format = DescribeSound(clip);
-    const PictureSize size =
-        options.size.empty() ? PictureSize{kDefaultWidth, kDefaultLane * format.channels} : given;
+    const PictureSize size = options.size.empty() ? PictureSize{kDefaultWidth, kDefaultLane * format.channels} : given;
     const std::vector<Column> columns = Collect(clip, format, size.width);
     RgbImage8 image = MakeImage(size.width, size.height, kBackground);
     for (uint32_t channel = 0; channel < format.channels; ++channel) {

@@ -37,7 +37,8 @@ void AddClip(CLI::App& command, std::string& clip) {
 }
 
 void AddFrameOptions(CLI::App& command, FrameOptions& options) {
-    command.add_option("--scale", options.scale, "Size as a fraction of the full one; 1, 1/2, 1/4, 1/8 and 1/16 are had")
+    command
+        .add_option("--scale", options.scale, "Size as a fraction of the full one; 1, 1/2, 1/4, 1/8 and 1/16 are had")
         ->check(
             [](const std::string& text) {
                 const auto scale = ReadNumber<double>(text);

@@ -39,8 +39,8 @@ struct FrameSize {
 // Throws Failure. The memory of `frame` is used again.
 void ReadFrame(IKtReadVideoStream& stream, uint64_t number, const FrameOptions& options, Frame& frame);
 
-[[nodiscard]] RgbImage8 ToRgb8(const Frame& frame);              // from 32 bits
-[[nodiscard]] RgbImage16 ToRgb16(const Frame& frame);            // from 128 bits, limited to 0..1
+[[nodiscard]] RgbImage8 ToRgb8(const Frame& frame);               // from 32 bits
+[[nodiscard]] RgbImage16 ToRgb16(const Frame& frame);             // from 128 bits, limited to 0..1
 [[nodiscard]] std::vector<float> ToRgbFloat(const Frame& frame);  // from 128 bits, rows bottom first
 
 }  // namespace clipfio::host

@@ -105,7 +105,8 @@ std::map<uint32_t, std::string> Module::ClassStrings() const {
     std::map<uint32_t, std::string> strings;
     for (std::size_t i = 0; i < kIds.size(); ++i) {
         if (texts[i] == nullptr) continue;
-        if (SysStringLen(texts[i]) > 0) strings[kIds[i]] = platform::Utf8(WStringView(texts[i], SysStringLen(texts[i])));
+        if (SysStringLen(texts[i]) > 0)
+            strings[kIds[i]] = platform::Utf8(WStringView(texts[i], SysStringLen(texts[i])));
         SysFreeString(texts[i]);
     }
     Require(result, "the module gives no class strings");

@@ -11,10 +11,14 @@ std::string ResultText(HRESULT result) {
         HRESULT result;
         const char* text;
     };
-    static constexpr Name kNames[] = {
-        {S_FALSE, "S_FALSE"},           {E_NOTIMPL, "E_NOTIMPL"}, {E_NOINTERFACE, "E_NOINTERFACE"},
-        {E_POINTER, "E_POINTER"},       {E_FAIL, "E_FAIL"},       {E_UNEXPECTED, "E_UNEXPECTED"},
-        {E_OUTOFMEMORY, "out of memory"}, {E_INVALIDARG, "E_INVALIDARG"}};
+    static constexpr Name kNames[] = {{S_FALSE, "S_FALSE"},
+                                      {E_NOTIMPL, "E_NOTIMPL"},
+                                      {E_NOINTERFACE, "E_NOINTERFACE"},
+                                      {E_POINTER, "E_POINTER"},
+                                      {E_FAIL, "E_FAIL"},
+                                      {E_UNEXPECTED, "E_UNEXPECTED"},
+                                      {E_OUTOFMEMORY, "out of memory"},
+                                      {E_INVALIDARG, "E_INVALIDARG"}};
     char number[16];
     std::snprintf(number, sizeof number, "0x%08X", static_cast<unsigned>(result));
     for (const Name& name : kNames) {

@@ -16,7 +16,8 @@ int RunCommandLine(std::vector<std::string> args) {
     CLI::App app("Reads camera clips through the clipfio module.", "clipfio");
     Context context;
     app.set_version_flag("--version", "clipfio " CLIPFIO_VERSION);
-    app.add_option("--module", context.module_path, "The module to load (else CLIPFIO_MODULE, or where it is installed)")
+    app.add_option("--module", context.module_path,
+                   "The module to load (else CLIPFIO_MODULE, or where it is installed)")
         ->type_name("FILE");
     app.require_subcommand(1);
     app.fallthrough();

@@ -10,7 +10,7 @@ namespace clipfio::host {
 // Carried out in this order: reset, then unset, then set.
 struct SettingEdits {
     bool reset = false;
-    std::vector<std::string> unset;                       // keys
+    std::vector<std::string> unset;                        // keys
     std::vector<std::pair<std::string, std::string>> set;  // key, and its value as the module takes it
 
     [[nodiscard]] bool Empty() const { return !reset && unset.empty() && set.empty(); }

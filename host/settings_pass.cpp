@@ -83,7 +83,8 @@ void Apply(Clip& clip, IStream* snapshot, PassResult& pass) {
     const HRESULT result = clip.Properties().ApplyProperties(snapshot);
     if (FAILED(result)) throw Failure("cannot write " + file + ": " + ResultText(result));
     const Look now = GatherLook(clip);
-    if (now.values != pass.after.values) throw Failure(file + " was not written as it should be: is there room for it?");
+    if (now.values != pass.after.values)
+        throw Failure(file + " was not written as it should be: is there room for it?");
     pass.written = true;
 }
 

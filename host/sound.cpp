@@ -42,8 +42,9 @@ void ReadSound(Clip& clip, const SoundFormat& format, uint64_t first, uint64_t c
         int32_t read = 0;
         const HRESULT result = clip.Audio().ReadSamples(static_cast<int64_t>(first + done), &token, wanted, &read);
         if (result != S_OK || read < wanted) {
-            throw Failure("the sound ends at sample " + std::to_string(first + done + static_cast<uint64_t>(std::max(read, 0))) +
-                          " (" + ResultText(result) + "): the clip may be damaged or cut short");
+            throw Failure("the sound ends at sample " +
+                          std::to_string(first + done + static_cast<uint64_t>(std::max(read, 0))) + " (" +
+                          ResultText(result) + "): the clip may be damaged or cut short");
         }
         take(std::span(buffer).first(static_cast<std::size_t>(read) * format.channels));
         done += static_cast<uint64_t>(read);

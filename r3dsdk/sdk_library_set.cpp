@@ -9,7 +9,7 @@ namespace {
 
 void LogSystemError(DWORD error) noexcept {
     char text[1024] = "";
-    FormatMessageA(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr, error, 0, text, sizeof text - 1,
+    FormatMessageA(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr, error, 0, text, sizeof text,
                    nullptr);
     SdkLog("[FAIL LOAD ] %s\n", text);
 }
@@ -23,7 +23,6 @@ int32_t SdkLibrarySet::Load(const char* file, uint32_t expected_id, uint32_t fla
         return kSdkTooMany;
     }
     SdkLibraryEntry& entry = libraries_[count_];
-    entry = {};
     SdkLog("[LOAD LIB  ] %s\n", file);
     SdkDynamicLibrary opened = SdkDynamicLibrary::Open(file);
     int32_t status = kSdkNotOpened;

@@ -198,57 +198,10 @@ struct Avx2 {
     }
 };
 
-struct Avx512 {
-    static constexpr uintptr_t kAlignment = 64;
-
-    __attribute__((target("avx512f,avx512bw"))) static void CopyRow(const uint8_t* in, uint8_t* out, uint64_t bytes) {
-        const uint64_t head = Head(out, 64, bytes);
-        std::memcpy(out, in, head);
-        uint64_t i = head;
-        for (; i + 128 <= bytes; i += 128) {
-            const __m512i a = _mm512_loadu_si512(in + i);
-            const __m512i b = _mm512_loadu_si512(in + i + 64);
-            _mm512_stream_si512(reinterpret_cast<__m512i*>(out + i), a);
-            _mm512_stream_si512(reinterpret_cast<__m512i*>(out + i + 64), b);
-        }
-        std::memcpy(out + i, in + i, bytes - i);
-    }
-
-    // Four pixels at a time, a whole line of the cache.
-    template <bool kStream>
-    __attribute__((target("avx512f,avx512bw"))) static uint64_t Convert(const uint8_t* in, uint8_t* out,
-                                                                        uint64_t count) {
-        const __m512i lanes =
-            _mm512_inserti64x4(_mm512_castsi256_si512(_mm256_setr_epi8(PIXEL_LANES(0), PIXEL_LANES(1))),
-                               _mm256_setr_epi8(PIXEL_LANES(0), PIXEL_LANES(1)), 1);
-        const __m512 scale = _mm512_set1_ps(kScale);
-        uint64_t x = 0;
-        for (; x + 5 <= count; x += 4) {
-            const __m128i low = _mm_loadu_si128(reinterpret_cast<const __m128i*>(in + x * 6));
-            const __m128i high = _mm_loadu_si128(reinterpret_cast<const __m128i*>(in + x * 6 + 12));
-            const __m512i all = _mm512_inserti64x4(_mm512_castsi256_si512(_mm256_broadcastsi128_si256(low)),
-                                                   _mm256_broadcastsi128_si256(high), 1);
-            const __m512 floats = _mm512_mul_ps(_mm512_cvtepi32_ps(_mm512_shuffle_epi8(all, lanes)), scale);
-            auto* to = reinterpret_cast<float*>(out + x * kPixelBytes);
-            if constexpr (kStream) {
-                _mm512_stream_ps(to, floats);
-            } else {
-                _mm512_storeu_ps(to, floats);
-            }
-        }
-        return x;
-    }
-    static uint64_t Pixels(const uint8_t* in, uint8_t* out, uint64_t count) { return Convert<false>(in, out, count); }
-    static uint64_t StreamPixels(const uint8_t* in, uint8_t* out, uint64_t count) {
-        return Convert<true>(in, out, count);
-    }
-};
-
 constexpr FrameDelivery kDeliveries[] = {
     {plain::Bgra8, plain::Rgb16ToFloats},
     {Bgra8<Ssse3>, Rgb16ToFloats<Ssse3>},
     {Bgra8<Avx2>, Rgb16ToFloats<Avx2>},
-    {Bgra8<Avx512>, Rgb16ToFloats<Avx512>},
 };
 
 bool CanRun(DeliveryLevel level) noexcept {
@@ -260,8 +213,6 @@ bool CanRun(DeliveryLevel level) noexcept {
             return __builtin_cpu_supports("ssse3");
         case DeliveryLevel::Avx2:
             return __builtin_cpu_supports("avx2");
-        case DeliveryLevel::Avx512:
-            return __builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512bw");
     }
     return false;
 }
@@ -274,7 +225,7 @@ const FrameDelivery* FrameDeliveryAt(DeliveryLevel level) noexcept {
 
 const FrameDelivery& BestFrameDelivery() noexcept {
     static const FrameDelivery& best = []() -> const FrameDelivery& {
-        for (const auto level : {DeliveryLevel::Avx512, DeliveryLevel::Avx2, DeliveryLevel::Ssse3}) {
+        for (const auto level : {DeliveryLevel::Avx2, DeliveryLevel::Ssse3}) {
             if (const FrameDelivery* delivery = FrameDeliveryAt(level)) return *delivery;
         }
         return kDeliveries[0];

@@ -25,13 +25,16 @@ class EntrySource {
 
     // Zero-terminated; valid until the next read. A text is looked at for its first 64 KiB only.
     [[nodiscard]] std::string_view Text() const noexcept { return text_; }
+    // The text as atof reads it, in the C runtime's locale at the time the source was made.
+    [[nodiscard]] double Number() const noexcept;
 
   private:
     [[nodiscard]] HRESULT Fill() noexcept;
     [[nodiscard]] HRESULT Keep(std::string_view part) noexcept;
 
-    IStream* stream_;
-    uint32_t blockBytes_;
+    IStream* const stream_;
+    const uint32_t blockBytes_;
+    const bool pointIsDot_;  // in numbers, by the C runtime's locale
     bool ended_ = false;
     char* next_;
     char* end_;

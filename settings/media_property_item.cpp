@@ -22,9 +22,11 @@ int32_t ParseInteger(const char* text) noexcept {
     return static_cast<int32_t>(std::clamp(std::strtol(text, nullptr, 10), kLowest, kHighest));
 }
 
-void Parse(const char* text, float& out) noexcept { out = static_cast<float>(std::atof(text)); }
-void Parse(const char* text, uint32_t& out) noexcept { out = static_cast<uint32_t>(ParseInteger(text)); }
-void Parse(const char* text, bool& out) noexcept { out = ParseInteger(text) == 1; }
+void Parse(const EntrySource& source, float& out) noexcept { out = static_cast<float>(source.Number()); }
+void Parse(const EntrySource& source, uint32_t& out) noexcept {
+    out = static_cast<uint32_t>(ParseInteger(source.Text().data()));
+}
+void Parse(const EntrySource& source, bool& out) noexcept { out = ParseInteger(source.Text().data()) == 1; }
 
 void Format(std::ostream& out, float value) { out << value; }
 void Format(std::ostream& out, uint32_t value) { out << static_cast<int32_t>(value); }
@@ -118,7 +120,7 @@ template <class Branch, class T>
 HRESULT ValueItem<Branch, T>::ReadFromStream(EntrySource& source) noexcept {
     const HRESULT hr = source.ReadUntil('|');
     T parsed{};
-    Parse(source.Text().data(), parsed);
+    Parse(source, parsed);
     Take(parsed);
     return hr;
 }

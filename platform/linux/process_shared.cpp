@@ -12,7 +12,9 @@ constexpr std::uintptr_t kAddress = 0x7E9C11F10000;
 // Changes with the layout of ProcessShared: copies of different layouts do not share.
 constexpr std::uint64_t kMagic = 0x31306F6966706C63;
 
-alignas(64) ProcessShared g_private;
+// Plain bytes: a constructor would run as each module is loaded, touch all of these megabytes, and forget what calls
+// before it had stored.
+alignas(ProcessShared) unsigned char g_private[sizeof(ProcessShared)];
 
 bool IsOurs(ProcessShared& shared) noexcept {
     std::uint64_t found = 0;
@@ -30,7 +32,7 @@ ProcessShared& AttachShared() noexcept {
     // An old kernel takes the address for a mere hint.
     if (made != MAP_FAILED && made != wanted) munmap(made, sizeof(ProcessShared));
 
-    ProcessShared* shared = &g_private;
+    auto* shared = reinterpret_cast<ProcessShared*>(g_private);
     if (made == wanted || IsReadable(wanted)) {
         auto* const there = static_cast<ProcessShared*>(wanted);
         if (IsOurs(*there)) shared = there;

@@ -1,0 +1,99 @@
+// clipfio make-sample: a clip with a moving test picture and a test sound.
+#include <cmath>
+#include <vector>
+
+#include "host/clip_making.h"
+#include "host/command.h"
+#include "host/console.h"
+#include "host/failure.h"
+#include "host/frame_options.h"
+#include "host/progress.h"
+#include "substitutes/decoder/test_pattern.h"
+
+namespace clipfio::host {
+namespace {
+
+constexpr uint32_t kSampleRate = 48000;
+constexpr uint32_t kDefaultFrames = 48;
+constexpr uint64_t kMostFrames = 10'000'000;
+
+struct Options {
+    std::string output;
+    std::string size = "1280x720";
+    std::string rate = "24";
+    uint64_t frames = 0;
+    double seconds = 0;
+    uint32_t channels = 2;
+};
+
+uint64_t FrameCount(const Options& options, double rate) {
+    if (options.frames > 0) return options.frames;
+    if (options.seconds <= 0) return kDefaultFrames;
+    const double frames = std::ceil(options.seconds * rate - 1e-9);
+    if (frames > static_cast<double>(kMostFrames)) throw UsageError("--seconds: that is more than ten million frames");
+    return static_cast<uint64_t>(frames);
+}
+
+int Run(const Options& options) {
+    const PictureSize size = ParseSize(options.size);
+    const Rate rate = ParseRate(options.rate);
+    decoder::ClipDescription description = DescribeClip(size, rate);
+    const double frames_per_second = double{1} * rate.numerator / rate.denominator;
+    const uint64_t frames = FrameCount(options, frames_per_second);
+    ParseStartTimecode("01:00:00:00", description);
+    if (options.channels > 0) {
+        description.sample_rate = kSampleRate;
+        description.channel_mask = (1u << options.channels) - 1;
+    }
+
+    const InterruptScope interrupts;
+    ClipMaker maker(options.output, description);
+    decoder::TestPattern pattern(size.width, size.height);
+    const decoder::TestSound tone(kSampleRate, options.channels);
+    Progress progress("make-sample", frames);
+    std::vector<int32_t> sound;
+    const auto sample_at = [&](uint64_t frame) {
+        return static_cast<uint64_t>(std::llround(static_cast<double>(frame) / frames_per_second * kSampleRate));
+    };
+    for (uint64_t frame = 0; frame < frames; ++frame) {
+        InterruptScope::Check();
+        maker.AddFrame(pattern.Frame(frame));
+        const uint64_t first = sample_at(frame);
+        const auto count = static_cast<std::size_t>(sample_at(frame + 1) - first);
+        if (options.channels > 0 && count > 0) {
+            sound.resize(count * options.channels);
+            tone.Fill(first, count, sound.data());
+            maker.AddAudio(sound, count);
+        }
+        progress.Step();
+    }
+    maker.Finish();
+    Say(std::to_string(frames) + " frames in " + options.output);
+    return kExitDone;
+}
+
+}  // namespace
+
+void AddMakeSample(CLI::App& app, Context& context) {
+    const auto options = std::make_shared<Options>();
+    CLI::App* command = app.add_subcommand("make-sample", "Makes a clip with a moving test picture and a test sound");
+    command->add_option("output", options->output, "The clip to write")->required()->type_name("OUT.r3d");
+    command->add_option("--size", options->size, "Size of the picture")->type_name("WxH")->capture_default_str();
+    command->add_option("--rate", options->rate, "Frames a second: 24, 23.976, 30000/1001")
+        ->type_name("R")
+        ->capture_default_str();
+    CLI::Option* frames = command->add_option("--frames", options->frames, "Frames (else 48)")
+                              ->check(CLI::Range(uint64_t{1}, kMostFrames))
+                              ->type_name("N");
+    command->add_option("--seconds", options->seconds, "Length in place of --frames")
+        ->check(CLI::PositiveNumber)
+        ->type_name("S")
+        ->excludes(frames);
+    command->add_option("--channels", options->channels, "Channels of sound, 0 for none")
+        ->check(CLI::Range(0u, 4u))
+        ->type_name("C")
+        ->capture_default_str();
+    command->callback([options, &context] { context.run = [options] { return Run(*options); }; });
+}
+
+}  // namespace clipfio::host

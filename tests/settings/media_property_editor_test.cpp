@@ -1,0 +1,253 @@
+#include "settings/media_property_editor.h"
+
+#include <atomic>
+#include <filesystem>
+#include <fstream>
+#include <thread>
+
+#include "platform/text.h"
+#include "settings/property_items.h"
+#include "settings/settings_fixture.h"
+#include "support/failing_new.h"
+
+namespace clipfio {
+namespace {
+
+constexpr MediaPropertyEditor::WithoutDecoder kWithoutDecoder{};
+
+size_t CountItems(const ItemTable& items) {
+    size_t count = 0;
+    items.ForEach([&](const MediaPropertyItem&) { ++count; });
+    return count;
+}
+
+FloatItem& FloatOf(const MediaPropertyEditor& editor, const char* key) {
+    return static_cast<FloatItem&>(*editor.Items().Find(key));
+}
+
+TEST(MediaPropertyEditor, HasAnItemForEachRowUnderItsKey) {
+    const MediaPropertyEditor editor(kWithoutDecoder);
+    EXPECT_EQ(CountItems(editor.Items()), kPropertyCount);
+    for (const PropertyRow& row : kPropertyTable) {
+        const MediaPropertyItem* const item = editor.Items().Find(row.key);
+        ASSERT_NE(item, nullptr) << row.key.text;
+        EXPECT_STREQ(item->GetName(), row.key.text);
+        EXPECT_EQ(item->GetState(), ItemState::Unset);
+        if (const auto* number = dynamic_cast<const FloatItem*>(item)) {
+            EXPECT_EQ(number->GetMinimum(), row.minimum) << row.key.text;
+            EXPECT_EQ(number->GetMaximum(), row.maximum) << row.key.text;
+            EXPECT_EQ(number->GetDefault(), row.defaultValue) << row.key.text;
+        }
+    }
+    EXPECT_EQ(editor.Items().Find("tint"), nullptr);
+}
+
+TEST(MediaPropertyEditor, HasNoItemsWithoutADecoder) {
+    const MediaPropertyEditor editor;
+    EXPECT_EQ(CountItems(editor.Items()), 0u);
+    DecodeSettingsRecord record;
+    MemoryStream written;
+    EXPECT_EQ(editor.SaveSettings(&written, record), S_OK);
+    EXPECT_TRUE(written.content.starts_with("File Content=")) << "the header alone";
+    EXPECT_EQ(written.calls, 1);
+    MemoryStream stream("Tint=5|");
+    EXPECT_EQ(editor.ApplyFile(record, &stream), S_OK);
+    EXPECT_TRUE(SameRecord(record, DecodeSettingsRecord{}));
+}
+
+TEST(MediaPropertyEditor, AKeyKeepsItsItem) {
+    MediaPropertyEditor editor(kWithoutDecoder);
+    const MediaPropertyItem* const first = editor.Items().Find("Tint");
+    EXPECT_EQ(editor.AddItem(std::make_unique<Tint>()), S_OK);
+    EXPECT_EQ(editor.Items().Find("Tint"), first);
+    EXPECT_EQ(editor.AddItem(nullptr), E_OUTOFMEMORY);
+}
+
+TEST(MediaPropertyEditor, APassOverThreeClips) {
+    MediaPropertyEditor editor(kWithoutDecoder);
+    ASSERT_EQ(editor.BeginProperties(nullptr, nullptr), S_OK);
+    DecodeSettingsRecord clips[3];
+    clips[1].tint = 5;
+    clips[2].contrast = 0.5f;
+    for (const auto& clip : clips) editor.LoadItems(clip);
+    EXPECT_EQ(editor.Items().Find("Tint")->GetState(), ItemState::Mixed);
+    EXPECT_EQ(editor.Items().Find("Contrast")->GetState(), ItemState::Mixed);
+    EXPECT_EQ(editor.Items().Find("DEB")->GetState(), ItemState::Agreed);
+    EXPECT_EQ(editor.ClipDefaults().Find("Tint")->GetState(), ItemState::Unset);
+
+    // The user sets one thing for all clips and leaves another to each of them.
+    FloatOf(editor, "Saturation").SetValue(2);
+    editor.Items().Find("Tint")->SetState(ItemState::Unset);
+    for (const auto& clip : clips) {
+        DecodeSettingsRecord result = clip;
+        editor.StoreItems(result);
+        EXPECT_EQ(result.saturation, 2.0f);
+        EXPECT_EQ(result.tint, clip.tint);
+        EXPECT_EQ(result.contrast, 0.5f) << "mixed: the last clip's";
+    }
+
+    ASSERT_EQ(editor.BeginProperties(nullptr, nullptr), S_OK);
+    editor.Items().ForEach([](const MediaPropertyItem& item) { EXPECT_EQ(item.GetState(), ItemState::Unset); });
+    EXPECT_EQ(CountItems(editor.ClipDefaults()), kPropertyCount);
+}
+
+// What a pass left in the items comes along with the clones, for keys that the file does not name.
+TEST(MediaPropertyEditor, AppliesTheFileOverTheItemsAsTheyStand) {
+    MediaPropertyEditor editor(kWithoutDecoder);
+    FloatOf(editor, "Saturation").SetValue(3);
+    MemoryStream stream("Tint=5|");
+    DecodeSettingsRecord record;
+    record.contrast = 0.75f;
+    EXPECT_EQ(editor.ApplyFile(record, &stream), S_OK);
+    EXPECT_EQ(record.tint, 5.0f);
+    EXPECT_EQ(record.saturation, 3.0f);
+    EXPECT_EQ(record.contrast, 0.75f);
+    EXPECT_EQ(editor.Items().Find("Tint")->GetState(), ItemState::Unset) << "clones are thrown away";
+    EXPECT_EQ(FloatOf(editor, "Tint").GetValue(), 0.0f);
+}
+
+TEST(MediaPropertyEditor, SavesAllEntriesWhateverIsSet) {
+    MediaPropertyEditor editor(kWithoutDecoder);
+    FloatOf(editor, "Saturation").SetValue(3);
+    MemoryStream stream;
+    EXPECT_EQ(editor.SaveSettings(&stream, DistinctRecord()), S_OK);
+    EXPECT_TRUE(stream.content.ends_with(std::string("|") + kDistinctEntries));
+    EXPECT_EQ(editor.Items().Find("Tint")->GetState(), ItemState::Unset);
+}
+
+class SettingsOnDisk : public testing::Test {
+  protected:
+    SettingsOnDisk() { std::filesystem::create_directories(folder_); }
+    ~SettingsOnDisk() override { std::filesystem::remove_all(folder_); }
+
+    const std::filesystem::path folder_ =
+        std::filesystem::temp_directory_path() /
+        ("settings-" +
+         std::to_string(std::hash<std::string>()(testing::UnitTest::GetInstance()->current_test_info()->name())));
+    const std::filesystem::path file_ = folder_ / "clip.KtDecProp";
+    const WString path_ = platform::Wide(file_.string());
+    MediaPropertyEditor editor_{kWithoutDecoder};
+
+    std::string Content() const {
+        std::ifstream in(file_, std::ios::binary);
+        return {std::istreambuf_iterator<char>(in), {}};
+    }
+};
+
+TEST_F(SettingsOnDisk, RoundTripReplacesAnOlderFile) {
+    std::ofstream(file_) << std::string(100000, 'x');
+    EXPECT_EQ(editor_.WriteFile(path_.c_str(), DistinctRecord()), S_OK);
+    MemoryStream stream;
+    EXPECT_EQ(editor_.SaveSettings(&stream, DistinctRecord()), S_OK);
+    EXPECT_EQ(Content(), stream.content);
+    DecodeSettingsRecord record;
+    EXPECT_EQ(editor_.ApplyFile(record, path_.c_str()), S_OK);
+    EXPECT_TRUE(SameRecord(record, DistinctRecord()));
+}
+
+TEST_F(SettingsOnDisk, WithoutAFileTheRecordStands) {
+    DecodeSettingsRecord record = DistinctRecord();
+    EXPECT_EQ(editor_.ApplyFile(record, path_.c_str()), S_OK);
+    EXPECT_EQ(editor_.ApplyFile(record, platform::Wide(folder_.string()).c_str()), S_OK) << "a folder";
+    EXPECT_TRUE(SameRecord(record, DistinctRecord()));
+    EXPECT_FALSE(std::filesystem::exists(file_));
+}
+
+TEST_F(SettingsOnDisk, WritingReportsThatTheFileCannotBeOpened) {
+    const WString path = platform::Wide((folder_ / "missing" / "clip.KtDecProp").string());
+    EXPECT_TRUE(FAILED(editor_.WriteFile(path.c_str(), DecodeSettingsRecord{})));
+}
+
+TEST(MediaPropertyEditor, NullStreams) {
+    const MediaPropertyEditor editor(kWithoutDecoder);
+    DecodeSettingsRecord record;
+    EXPECT_EQ(editor.SaveSettings(nullptr, record), E_POINTER);
+    EXPECT_EQ(editor.ApplyFile(record, static_cast<IStream*>(nullptr)), E_POINTER);
+}
+
+// Fails the first allocation, then the second, and so on until the operation gets through.
+template <class Operation>
+void FailEachAllocation(Operation&& operation) {
+    for (int n = 0;; ++n) {
+        SCOPED_TRACE(n);
+        HRESULT hr = S_OK;
+        bool failed = false;
+        {
+            const FailingNew fail(n);
+            hr = operation();
+            failed = fail.Hit();
+        }
+        EXPECT_EQ(hr, failed ? E_OUTOFMEMORY : S_OK);
+        if (!failed) break;
+    }
+}
+
+TEST(MediaPropertyEditor, RunningOutOfMemory) {
+    MediaPropertyEditor editor(kWithoutDecoder);
+    FailEachAllocation([&] {
+        const HRESULT hr = editor.BeginProperties(nullptr, nullptr);
+        EXPECT_EQ(CountItems(editor.ClipDefaults()), hr == S_OK ? kPropertyCount : 0);
+        return hr;
+    });
+    MemoryStream stream("Unknown=|Tint=" + std::string(50, ' ') + "5|" + std::string(50, 'k') + "=1|");
+    FailEachAllocation([&] {
+        stream.position = 0;
+        DecodeSettingsRecord record;
+        const HRESULT hr = editor.ApplyFile(record, &stream);
+        EXPECT_EQ(record.tint, hr == S_OK ? 5.0f : 0.0f);
+        return hr;
+    });
+}
+
+TEST(MediaPropertyEditor, SavingWithoutMemory) {
+    const MediaPropertyEditor editor(kWithoutDecoder);
+    MemoryStream stream;
+    stream.content.reserve(10000);
+    FailEachAllocation([&] {
+        stream.content.clear();
+        return editor.SaveSettings(&stream, DistinctRecord());
+    });
+}
+
+TEST(MediaPropertyEditor, MadeWithoutMemory) {
+    for (int n = 0;; ++n) {
+        const FailingNew fail(n);
+        const MediaPropertyEditor editor(kWithoutDecoder);
+        if (!fail.Hit()) {
+            EXPECT_EQ(n, static_cast<int>(kPropertyCount));
+            break;
+        }
+        EXPECT_EQ(CountItems(editor.Items()), static_cast<size_t>(n));
+    }
+}
+
+// Frames are decoded while the user moves sliders; the sanitizer judges.
+TEST(MediaPropertyEditor, DecodingReadsWhileTheDialogWrites) {
+    MediaPropertyEditor editor(kWithoutDecoder);
+    ASSERT_EQ(editor.BeginProperties(nullptr, nullptr), S_OK);
+    std::atomic<bool> stop = false;
+    std::vector<std::thread> decoders;
+    for (int i = 0; i < 2; ++i) {
+        decoders.emplace_back([&] {
+            while (!stop) {
+                DecodeSettingsRecord record;
+                if (editor.HasSink()) ADD_FAILURE();
+                editor.StoreItems(record);
+                EXPECT_TRUE(record.tint == 0.0f || record.tint == 5.0f);
+                MemoryStream stream("Contrast=0.5|");
+                EXPECT_EQ(editor.ApplyFile(record, &stream), S_OK);
+                EXPECT_EQ(record.contrast, 0.5f);
+            }
+        });
+    }
+    for (int round = 0; round < 500; ++round) {
+        FloatOf(editor, "Tint").SetValue(round % 2 == 0 ? 5.0f : 0.0f);
+        editor.LoadItems(DecodeSettingsRecord{});
+        EXPECT_EQ(editor.BeginProperties(nullptr, nullptr), S_OK);
+    }
+    stop = true;
+    for (std::thread& decoder : decoders) decoder.join();
+}
+
+}  // namespace
+}  // namespace clipfio

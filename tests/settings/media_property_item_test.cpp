@@ -1,0 +1,233 @@
+#include "settings/media_property_item.h"
+
+#include "settings/entry_stream.h"
+#include "settings/property_items.h"
+#include "settings/settings_fixture.h"
+
+namespace clipfio {
+namespace {
+
+enum class Load { Same, Other };
+
+struct Transition {
+    ItemState before;
+    Load load;
+    ItemState after;
+};
+
+constexpr Transition kTransitions[] = {
+    {ItemState::Unset, Load::Same, ItemState::Loaded},   {ItemState::Unset, Load::Other, ItemState::Loaded},
+    {ItemState::Loaded, Load::Same, ItemState::Agreed},  {ItemState::Loaded, Load::Other, ItemState::Mixed},
+    {ItemState::Agreed, Load::Same, ItemState::Agreed},  {ItemState::Agreed, Load::Other, ItemState::Mixed},
+    {ItemState::Mixed, Load::Same, ItemState::Mixed},    {ItemState::Mixed, Load::Other, ItemState::Mixed},
+    {ItemState::Changed, Load::Same, ItemState::Agreed}, {ItemState::Changed, Load::Other, ItemState::Mixed},
+};
+
+// One item of each branch, with two values that it tells apart.
+template <class Item>
+struct Samples;
+template <>
+struct Samples<Tint> {
+    static constexpr float kValues[] = {2.5f, -7.0f};
+    static constexpr const char* kTexts[] = {"2.5|", "-7|"};
+};
+template <>
+struct Samples<UserCurveRedCoordinate> {
+    static constexpr float kValues[] = {0.5f, 0.75f};
+    static constexpr const char* kTexts[] = {"0.5|", "0.75|"};
+};
+template <>
+struct Samples<DEB> {
+    static constexpr bool kValues[] = {true, false};
+    static constexpr const char* kTexts[] = {"1|", "0|"};
+};
+template <>
+struct Samples<ImageDenoise> {
+    static constexpr uint32_t kValues[] = {3, 77};
+    static constexpr const char* kTexts[] = {"3|", "77|"};
+};
+template <>
+struct Samples<ImageISO> {
+    static constexpr uint32_t kValues[] = {800, 801};
+    static constexpr const char* kTexts[] = {"800|", "801|"};
+};
+
+template <class Item>
+Item MakeItem() {
+    Item item;
+    if constexpr (std::is_base_of_v<Coordinate, Item>) item.SetIndex(3);
+    item.Initialize();
+    return item;
+}
+
+template <class Item>
+class MediaPropertyItemTest : public testing::Test {};
+using Branches = testing::Types<Tint, UserCurveRedCoordinate, DEB, ImageDenoise, ImageISO>;
+TYPED_TEST_SUITE(MediaPropertyItemTest, Branches);
+
+TYPED_TEST(MediaPropertyItemTest, LoadingMovesTheStateAndTakesTheValue) {
+    using S = Samples<TypeParam>;
+    for (const bool fromStream : {false, true}) {
+        for (const Transition& row : kTransitions) {
+            SCOPED_TRACE(testing::Message() << "from " << static_cast<int>(row.before) << " stream " << fromStream);
+            auto item = MakeItem<TypeParam>();
+            item.SetValue(S::kValues[0]);
+            item.SetState(row.before);
+            const int loaded = row.load == Load::Same ? 0 : 1;
+            if (fromStream) {
+                MemoryStream stream(S::kTexts[loaded]);
+                EntrySource source(&stream, EntrySource::Reading::ByteByByte);
+                EXPECT_EQ(item.ReadFromStream(source), S_OK);
+            } else {
+                DecodeSettingsRecord record;
+                EXPECT_EQ(item.SetSetting(record, S::kValues[loaded]), S_OK);
+                EXPECT_EQ(item.LoadFromSettings(record), S_OK);
+            }
+            EXPECT_EQ(item.GetState(), row.after);
+            EXPECT_EQ(item.GetValue(), S::kValues[loaded]);
+        }
+    }
+}
+
+TYPED_TEST(MediaPropertyItemTest, OnlyADifferentValueIsAChange) {
+    using S = Samples<TypeParam>;
+    auto item = MakeItem<TypeParam>();
+    item.SetValue(S::kValues[0]);
+    item.SetState(ItemState::Mixed);
+    EXPECT_FALSE(item.SetValue(S::kValues[0]));
+    EXPECT_EQ(item.GetState(), ItemState::Mixed);
+    EXPECT_TRUE(item.SetValue(S::kValues[1]));
+    EXPECT_EQ(item.GetState(), ItemState::Changed);
+    EXPECT_EQ(item.GetValue(), S::kValues[1]);
+}
+
+TYPED_TEST(MediaPropertyItemTest, AnUnsetItemReachesNeitherRecordNorStream) {
+    using S = Samples<TypeParam>;
+    auto item = MakeItem<TypeParam>();
+    item.SetValue(S::kValues[0]);
+    for (const ItemState state : {ItemState::Unset, ItemState::Loaded, ItemState::Mixed}) {
+        item.SetState(state);
+        DecodeSettingsRecord record;
+        EXPECT_EQ(item.SetSetting(record, S::kValues[1]), S_OK);
+        const DecodeSettingsRecord before = record;
+        MemoryStream stream;
+        EXPECT_EQ(item.StoreToSettings(record), S_OK);
+        EXPECT_EQ(item.WriteToStream(&stream), S_OK);
+        const bool isUnset = state == ItemState::Unset;
+        EXPECT_EQ(SameRecord(record, before), isUnset);
+        EXPECT_EQ(stream.content, isUnset ? "" : std::string(item.GetName()) + "=" + S::kTexts[0]);
+        EXPECT_EQ(stream.calls, isUnset ? 0 : 1);
+    }
+}
+
+TYPED_TEST(MediaPropertyItemTest, CopyTakesStateAndValue) {
+    using S = Samples<TypeParam>;
+    auto original = MakeItem<TypeParam>();
+    original.SetValue(S::kValues[0]);
+    original.SetState(ItemState::Agreed);
+    auto item = MakeItem<TypeParam>();
+    item.SetValue(S::kValues[1]);
+    EXPECT_EQ(item.CopyFrom(original), S_OK);
+    EXPECT_EQ(item.GetState(), ItemState::Changed);
+    EXPECT_EQ(item.GetValue(), S::kValues[0]);
+    EXPECT_EQ(item.CopyFrom(original), S_OK) << "now equal: the state comes over as it is";
+    EXPECT_EQ(item.GetState(), ItemState::Agreed);
+}
+
+TYPED_TEST(MediaPropertyItemTest, ACloneKeepsKeyValueStateAndField) {
+    using S = Samples<TypeParam>;
+    auto item = MakeItem<TypeParam>();
+    item.SetValue(S::kValues[0]);
+    alignas(std::max_align_t) std::byte place[kItemBytes];
+    for (void* const where : {static_cast<void*>(place), static_cast<void*>(nullptr)}) {
+        MediaPropertyItem* const clone = item.Clone(where);
+        ASSERT_NE(clone, nullptr);
+        EXPECT_STREQ(clone->GetName(), item.GetName());
+        EXPECT_EQ(clone->GetState(), ItemState::Changed);
+        DecodeSettingsRecord fromItem, fromClone;
+        item.StoreToSettings(fromItem);
+        clone->StoreToSettings(fromClone);
+        EXPECT_TRUE(SameRecord(fromItem, fromClone));
+        EXPECT_FALSE(SameRecord(fromItem, DecodeSettingsRecord{}));
+        where ? clone->~MediaPropertyItem() : delete clone;
+    }
+}
+
+TEST(MediaPropertyItem, CopyRefusesAnotherBranch) {
+    Tint floating;
+    ImageISO combo;
+    DEB boolean;
+    combo.SetValue(5);
+    EXPECT_EQ(floating.CopyFrom(combo), E_UNEXPECTED);
+    EXPECT_EQ(boolean.CopyFrom(combo), E_UNEXPECTED);
+    EXPECT_EQ(combo.CopyFrom(floating), E_UNEXPECTED);
+    EXPECT_EQ(floating.GetState(), ItemState::Unset);
+    EXPECT_EQ(combo.GetState(), ItemState::Changed);
+    ImageDetail otherCombo;
+    EXPECT_EQ(otherCombo.CopyFrom(combo), S_OK);
+    EXPECT_EQ(otherCombo.GetValue(), 5u);
+}
+
+TEST(MediaPropertyItem, FloatsAgreeWithinTheTolerance) {
+    for (const auto& [second, state] : {std::pair(1.00005f, ItemState::Agreed), std::pair(1.0002f, ItemState::Mixed)}) {
+        Saturation item;
+        DecodeSettingsRecord record;
+        record.saturation = 1.0f;
+        item.LoadFromSettings(record);
+        record.saturation = second;
+        item.LoadFromSettings(record);
+        EXPECT_EQ(item.GetState(), state);
+        EXPECT_EQ(item.GetValue(), second) << "the last loaded value stands";
+    }
+}
+
+TEST(MediaPropertyItem, LimitsComeFromTheTableAndBindNobody) {
+    ColorTemperature item;
+    item.Initialize();
+    EXPECT_EQ(item.GetMinimum(), 1700.0f);
+    EXPECT_EQ(item.GetMaximum(), 100000.0f);
+    EXPECT_EQ(item.GetDefault(), 5600.0f);
+    DecodeSettingsRecord record;
+    record.colorTemperature = -1.0f;
+    item.LoadFromSettings(record);
+    EXPECT_EQ(item.GetValue(), -1.0f);
+}
+
+TEST(MediaPropertyItem, CoordinateWithoutPlaceTouchesNothing) {
+    for (const int32_t index : {-1, 10, INT_MAX, INT_MIN}) {
+        UserCurveGreenCoordinate item;
+        if (index != -1) item.SetIndex(index);
+        DecodeSettingsRecord record;
+        item.SetValue(0.9f);
+        EXPECT_EQ(item.StoreToSettings(record), S_OK);
+        EXPECT_TRUE(SameRecord(record, DecodeSettingsRecord{}));
+        EXPECT_EQ(item.LoadFromSettings(record), E_UNEXPECTED);
+        EXPECT_EQ(item.GetValue(), 0.9f);
+    }
+}
+
+TEST(MediaPropertyItem, IsoKeepsTheLowHalfAndExtendsTheSign) {
+    ImageISO item;
+    DecodeSettingsRecord record;
+    record.imageIso = 0x1234567800000141u;
+    item.LoadFromSettings(record);
+    EXPECT_EQ(item.GetValue(), 321u);
+    item.StoreToSettings(record);
+    EXPECT_EQ(record.imageIso, 321u);
+    item.SetValue(0xFFFFFFFEu);
+    item.StoreToSettings(record);
+    EXPECT_EQ(record.imageIso, 0xFFFFFFFFFFFFFFFEu);
+}
+
+TEST(MediaPropertyItem, ComboTablesComeFromTheRows) {
+    const ImageDenoise denoise;
+    ASSERT_EQ(denoise.GetCount(), 7u);
+    EXPECT_EQ(denoise.GetTable()[6].value, 6u);
+    EXPECT_EQ(denoise.GetTable()[6].stringId, 125u);
+    const ImageISO iso;
+    ASSERT_EQ(iso.GetCount(), 22u);
+    EXPECT_EQ(iso.GetTable()[21], 12800);
+}
+
+}  // namespace
+}  // namespace clipfio
