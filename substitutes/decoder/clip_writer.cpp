@@ -72,7 +72,7 @@ struct ClipWriter::Job {
           reduced(d.width, d.height, d.coding) {}
     ~Job() {
         if (pictures.IsOpen()) (void)pictures.Close();
-        if (!finished) DeleteFileW(pictures_path.c_str());
+        if (has_pictures_file) DeleteFileW(pictures_path.c_str());
         DropSound();
     }
     Job(const Job&) = delete;
@@ -88,7 +88,8 @@ struct ClipWriter::Job {
     [[nodiscard]] bool Start() {
         // The header is written last; until then its place holds zeros, which no reader takes for a clip.
         const std::vector<std::byte> zeros(sizeof(ClipHeader));
-        return pictures.Create(pictures_path) && pictures.Write(zeros.data(), zeros.size());
+        has_pictures_file = pictures.Create(pictures_path);
+        return has_pictures_file && pictures.Write(zeros.data(), zeros.size());
     }
 
     [[nodiscard]] bool WriteFrame(const uint16_t* rgb) {
@@ -148,8 +149,9 @@ struct ClipWriter::Job {
     OutputFile pictures;
     OutputFile sound;
     std::vector<std::byte> copy;
+    // Files that go with the job.
+    bool has_pictures_file = false;
     bool has_sound_file = false;
-    bool finished = false;
 };
 
 ClipWriter::ClipWriter() = default;
@@ -216,7 +218,7 @@ bool ClipWriter::Finish() noexcept {
         if (!MoveFileExW(job_->pictures_path.c_str(), job_->path.c_str(), MOVEFILE_REPLACE_EXISTING)) {
             return Fail(("cannot name the finished file " + platform::Utf8(job_->path)).c_str());
         }
-        job_->finished = true;
+        job_->has_pictures_file = false;
         job_.reset();
         return true;
     });

@@ -222,7 +222,14 @@ TEST_F(LookSettings, NoValueOfAnyFieldDoesHarm) {
         const bool is_number = offset == offsetof(R, deb) || (offset >= offsetof(R, imageIso) && offset < 72);
         EXPECT_EQ(out == neutral, !is_number) << offset;
     }
-    R wild;
+    R wild = NeutralLook();
+    wild.exposureCompensation = 7.0f;
+    wild.brightness = -10.0f;
+    wild.lggRed.gamma = wild.lggGreen.gamma = wild.lggBlue.gamma = 0.0f;
+    wild.userCurve.xy[7] = 1.0f;  // ends flat
+    const Picture white = Show(wild);
+    ASSERT_FALSE(white.empty());
+    for (size_t i = kWidth * 3 - 3; i < kWidth * 3; ++i) EXPECT_EQ(white[i], 65535) << "white however far it is pushed";
     std::memset(reinterpret_cast<std::byte*>(&wild) + 8, 0xFF, sizeof wild - 8);
     EXPECT_FALSE(Show(wild).empty());
     std::memset(reinterpret_cast<std::byte*>(&wild) + 8, 0, sizeof wild - 8);
