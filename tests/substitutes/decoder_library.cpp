@@ -93,6 +93,8 @@ std::vector<uint8_t> TestFile::Bytes() const {
 }
 
 void TestFile::Write(const std::vector<uint8_t>& bytes) const {
+    // A file system may wait for the disk when a file is cut to nothing and written anew.
+    DeleteFileW(path_.c_str());
     OutputFile file;
     ASSERT_TRUE(file.Create(path_) && file.Write(bytes.data(), bytes.size()) && file.Close());
 }
