@@ -34,12 +34,12 @@ void FillInfo(_ktstreaminfo* info, uint64_t length, const WAVEFORMATEX& wfx) noe
 
 uint32_t ChannelsOfMask(uint32_t mask) noexcept { return static_cast<uint32_t>(std::popcount(mask & kChannelBits)); }
 
-CReadAudioStream::CReadAudioStream(CReadFile* file, R3DClip* const* clip) noexcept : file_(file), clip_(clip) {
+CReadAudioStream::CReadAudioStream(CReadFile* file, const ClipField* clip) noexcept : file_(file), clip_(clip) {
     format_.wFormatTag = kFloatTag;
     format_.wBitsPerSample = kFloatBits;
 }
 
-CReadAudioStream* CReadAudioStream::Make(CReadFile* file, R3DClip* const* clip) noexcept {
+CReadAudioStream* CReadAudioStream::Make(CReadFile* file, const ClipField* clip) noexcept {
     auto* stream = new (std::nothrow) CReadAudioStream(file, clip);
     if (stream && !stream->lock_.IsGood()) stream->Destroy(1), stream = nullptr;
     return stream;
@@ -233,6 +233,7 @@ HRESULT CReadAudioStream::ReadSamples(int64_t first, const _ktmemorytoken* desti
     if (!read) return E_INVALIDARG;
     *read = 0;
     if (!destination) return E_INVALIDARG;
+    if (count <= 0) return S_OK;
     // The converter counts samples of all channels in 32 bits, and the host's memory in 31.
     const int64_t room = static_cast<int32_t>(destination->size);
     if (room < 0 || static_cast<int64_t>(format_.nBlockAlign) * count > room) return E_INVALIDARG;
@@ -257,6 +258,7 @@ HRESULT CReadAudioStream::ReadSamples(int64_t first, const _ktmemorytoken* desti
         break;
     }
     *read = FAILED(result) ? 0 : total;
+    mapping.KeepFirst(static_cast<uint32_t>(*read) * native_format_.nBlockAlign);
     mapping.Dispose();
     return result;
 }

@@ -1,0 +1,17 @@
+#include "platform/modules.h"
+#include "reader/plugin_module.h"
+#include "tests/reader/reader_scene.h"
+
+namespace reader_tests {
+
+bool AttachReader() {
+    SetEnvironmentVariableW(W("R3DSDKPATH"), W(CLIPFIO_FAKE_DECODER));
+    return clipfio::AttachProcess(nullptr);
+}
+
+void DetachReader() {
+    clipfio::DetachProcess();
+    SetEnvironmentVariableW(W("R3DSDKPATH"), nullptr);
+}
+
+}  // namespace reader_tests
