@@ -56,6 +56,19 @@ TEST(GlobalHeap, LimitsAndOddities) {
     EXPECT_EQ(GlobalFree(nullptr), nullptr);
 }
 
+TEST(GlobalHeap, ManyBlocksAtOnce) {
+    std::vector<HGLOBAL> blocks;
+    for (std::size_t i = 0; i < 20000; ++i) {
+        blocks.push_back(GlobalAlloc(i % 2 != 0 ? GHND : GPTR, i % 100 + 1));
+        *static_cast<unsigned char*>(GlobalLock(blocks.back())) = static_cast<unsigned char>(i);
+    }
+    for (std::size_t i = 0; i < blocks.size(); ++i) {
+        ASSERT_EQ(GlobalSize(blocks[i]), i % 100 + 1);
+        ASSERT_EQ(*static_cast<unsigned char*>(GlobalLock(blocks[i])), static_cast<unsigned char>(i));
+        ASSERT_EQ(GlobalFree(blocks[i]), nullptr);
+    }
+}
+
 TEST(GlobalHeap, LocksCountAcrossThreads) {
     const HGLOBAL block = GlobalAlloc(GHND, 8);
     constexpr int kEach = 60;

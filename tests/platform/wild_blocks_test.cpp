@@ -39,8 +39,11 @@ TEST(WildBlocks, AreRefused) {
             EXPECT_EQ(GlobalHandle(block), nullptr);
         }
     }
-    EXPECT_EQ(GlobalFree(fixed), nullptr);
-    EXPECT_EQ(GlobalFree(moveable), nullptr);
+    for (const HGLOBAL block : {fixed, moveable}) {
+        EXPECT_EQ(GlobalFree(block), nullptr);
+        EXPECT_EQ(GlobalFree(block), block);
+        EXPECT_EQ(GetLastError(), ERROR_INVALID_HANDLE);
+    }
 }
 
 }  // namespace

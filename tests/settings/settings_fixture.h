@@ -98,7 +98,7 @@ inline DecodeSettingsRecord DistinctRecord() {
     return r;
 }
 
-inline constexpr char kDistinctEntries[] =
+inline const std::string kDistinctEntries =
     "Brightness=-9.75|ColorTemperature=3200.5|ColorVersion=1|Contrast=-0.5|DEB=1|DRX=1e-05|ExposureCompensation=1.5|"
     "FLUT=8|GainBlue=1.3|GainGreen=1.2|GainRed=1.1|ImageColorSpace=17|ImageDenoise=6|ImageDetail=1|"
     "ImageGammaCurve=18|ImageISO=12800|ImageOLPFCompensation=3|LggGainBlue=1.8|LggGainGreen=1.7|LggGainRed=1.6|"
