@@ -12,7 +12,8 @@
 namespace clipfio::audio {
 namespace {
 
-// Memory for records with extra data, dirty at the start, at an odd address.
+// Memory for records with extra data, dirty at the start, at an odd address: fields are compared by value (+), since no
+// reference may bind to them there.
 template <class T>
 class Room {
   public:
@@ -50,14 +51,14 @@ Room<_ktwaveformat> RecordOf(tWAVEFORMATEX* wfx, uint32_t size) {
 TEST(WaveFormat, InitFromASampleType) {
     Room<_ktwaveformat> record(48);
     record->Init(44100, KTSAMPLETYPE_PCM24, 6, 0x3F, 48);
-    EXPECT_EQ(record->size, 32u);
-    EXPECT_EQ(record->sampleType, KTSAMPLETYPE_PCM24);
-    EXPECT_EQ(record->samplesPerSecond, 44100u);
-    EXPECT_EQ(record->channels, 6);
-    EXPECT_EQ(record->blockAlign, 18);
-    EXPECT_EQ(record->channelMask, 0x3Fu);
-    EXPECT_EQ(record->flags, 0u);
-    EXPECT_EQ(record->averageBytesPerSecond, 44100u * 18);
+    EXPECT_EQ(+record->size, 32u);
+    EXPECT_EQ(+record->sampleType, KTSAMPLETYPE_PCM24);
+    EXPECT_EQ(+record->samplesPerSecond, 44100u);
+    EXPECT_EQ(+record->channels, 6);
+    EXPECT_EQ(+record->blockAlign, 18);
+    EXPECT_EQ(+record->channelMask, 0x3Fu);
+    EXPECT_EQ(+record->flags, 0u);
+    EXPECT_EQ(+record->averageBytesPerSecond, 44100u * 18);
     for (size_t i = 32; i < 48; ++i) EXPECT_EQ(record.At(i), 0);
     EXPECT_TRUE(record.EndIsIntact());
     EXPECT_EQ(record->FormatTag(), 1u);
@@ -67,30 +68,30 @@ TEST(WaveFormat, InitFromASampleType) {
 
     Room<_ktwaveformat> small(32);
     small->Init(48000, KTSAMPLETYPE_FLOAT64, 9000, 0, 5);  // a size below 33 clears 32 bytes
-    EXPECT_EQ(small->blockAlign, 72000 & 0xFFFF);
-    EXPECT_EQ(small->averageBytesPerSecond, (72000 & 0xFFFF) * 48000u);
+    EXPECT_EQ(+small->blockAlign, 72000 & 0xFFFF);
+    EXPECT_EQ(+small->averageBytesPerSecond, (72000 & 0xFFFF) * 48000u);
     EXPECT_TRUE(small.EndIsIntact());
 
     small->channels = 3;
     EXPECT_EQ(small->UpdateBlockAlign(), 24u);
-    EXPECT_EQ(small->averageBytesPerSecond, 24u * 48000);
+    EXPECT_EQ(+small->averageBytesPerSecond, 24u * 48000);
 }
 
 TEST(WaveFormat, InitFromTagAndBits) {
     _ktwaveformat record;
     record.InitAsWfx(1, 48000, 20, 2, 0, 32);
-    EXPECT_EQ(record.sampleType, KTSAMPLETYPE_PCM24);
-    EXPECT_EQ(record.blockAlign, 6);
-    EXPECT_EQ(record.averageBytesPerSecond, 6u * 48000);
-    EXPECT_EQ(record.flags, 0u);
+    EXPECT_EQ(+record.sampleType, KTSAMPLETYPE_PCM24);
+    EXPECT_EQ(+record.blockAlign, 6);
+    EXPECT_EQ(+record.averageBytesPerSecond, 6u * 48000);
+    EXPECT_EQ(+record.flags, 0u);
 
     record.InitAsWfx(0x55, 48000, 12, 2, 3, 32);
-    EXPECT_EQ(record.sampleType, KTSAMPLETYPE_NONE);
-    EXPECT_EQ(record.flags, _ktwaveformat::kOpaque);
+    EXPECT_EQ(+record.sampleType, KTSAMPLETYPE_NONE);
+    EXPECT_EQ(+record.flags, _ktwaveformat::kOpaque);
     EXPECT_EQ(record.FormatTag(), 0x55u);
     EXPECT_EQ(record.BitsPerSample(), 12u);
     EXPECT_EQ(record.BytesPerSample(), 1u);
-    EXPECT_EQ(record.blockAlign, 3);
+    EXPECT_EQ(+record.blockAlign, 3);
     EXPECT_TRUE(record.IsCompressed());
     record.blockAlign = 77;
     EXPECT_EQ(record.UpdateBlockAlign(), 77u);
@@ -99,17 +100,17 @@ TEST(WaveFormat, InitFromTagAndBits) {
 TEST(WaveFormat, InitFromAPlatformRecord) {
     Room<tWAVEFORMATEX> pcm = Source(1, 20, 0, false);
     Room<_ktwaveformat> record = RecordOf(pcm.Get(), 64);
-    EXPECT_EQ(record->sampleType, KTSAMPLETYPE_PCM24);
-    EXPECT_EQ(record->blockAlign, 6);  // put right for PCM
-    EXPECT_EQ(record->averageBytesPerSecond, 6000u);
-    EXPECT_EQ(record->flags, 0u);
+    EXPECT_EQ(+record->sampleType, KTSAMPLETYPE_PCM24);
+    EXPECT_EQ(+record->blockAlign, 6);  // put right for PCM
+    EXPECT_EQ(+record->averageBytesPerSecond, 6000u);
+    EXPECT_EQ(+record->flags, 0u);
 
     Room<tWAVEFORMATEX> extensible = Source(3, 32, 0, true, 0x30);
     record = RecordOf(extensible.Get(), 32);
-    EXPECT_EQ(record->sampleType, KTSAMPLETYPE_FLOAT32);
-    EXPECT_EQ(record->channelMask, 0x30u);
-    EXPECT_EQ(record->flags, _ktwaveformat::kFromExtensible);
-    EXPECT_EQ(record->blockAlign, 24);  // and taken as it is for the others
+    EXPECT_EQ(+record->sampleType, KTSAMPLETYPE_FLOAT32);
+    EXPECT_EQ(+record->channelMask, 0x30u);
+    EXPECT_EQ(+record->flags, _ktwaveformat::kFromExtensible);
+    EXPECT_EQ(+record->blockAlign, 24);  // and taken as it is for the others
 }
 
 TEST(WaveFormat, AZeroSubFormatIsReadByItsBits) {
@@ -123,9 +124,9 @@ TEST(WaveFormat, AZeroSubFormatIsReadByItsBits) {
             tWAVEFORMATEX& wfx = format[0].Format;
             wfx = {0xFFFE, 2, 48000, 0, static_cast<uint16_t>(row.bits / 8 * 2), row.bits, extra};
             wfx.nAvgBytesPerSec = 48000u * wfx.nBlockAlign;
-            EXPECT_EQ(RecordOf(&wfx, 64)->sampleType, extra == 24 ? 0 : row.type) << row.bits << ", " << extra;
+            EXPECT_EQ(+RecordOf(&wfx, 64)->sampleType, extra == 24 ? 0 : row.type) << row.bits << ", " << extra;
             wfx.nAvgBytesPerSec -= 1;
-            EXPECT_EQ(RecordOf(&wfx, 64)->sampleType, 0u);
+            EXPECT_EQ(+RecordOf(&wfx, 64)->sampleType, 0u);
         }
     }
 }
@@ -145,7 +146,7 @@ TEST(WaveFormat, KeepsExtraDataOfOpaqueFormats) {
     for (const auto& row : kRows) {
         Room<tWAVEFORMATEX> source = Source(row.tag, row.bits, row.extra, row.extensible);
         Room<_ktwaveformat> record = RecordOf(source.Get(), row.room);
-        EXPECT_EQ(record->size, 32 + row.kept) << row.tag << ", " << row.room;
+        EXPECT_EQ(+record->size, 32 + row.kept) << row.tag << ", " << row.room;
         ASSERT_EQ(ExtraLength(*record), row.kept);
         for (size_t i = 0; i < row.kept; ++i) ASSERT_EQ(record.At(34 + i), static_cast<uint8_t>(i + 1));
     }
@@ -261,9 +262,9 @@ TEST(WfxCopy, FormOfAnUncompressedFormat) {
         SCOPED_TRACE(testing::Message() << "dest " << row.dest << ", mask " << row.mask << ", room " << row.room);
         EXPECT_TRUE(out.EndIsIntact());
         EXPECT_EQ(KtAudio_GetSampleType(out.Get()), KTSAMPLETYPE_PCM24IN32);
-        EXPECT_EQ(out->nBlockAlign, 4 * row.channels);
-        EXPECT_EQ(out->wFormatTag, row.writtenMask ? 0xFFFE : 0xFE00);
-        EXPECT_EQ(out->cbSize, row.writtenMask ? 22 : 0);
+        EXPECT_EQ(+out->nBlockAlign, 4 * row.channels);
+        EXPECT_EQ(+out->wFormatTag, row.writtenMask ? 0xFFFE : 0xFE00);
+        EXPECT_EQ(+out->cbSize, row.writtenMask ? 22 : 0);
         if (row.writtenMask) {
             EXPECT_EQ(ReadExtensiblePart(out.Get()).mask, row.writtenMask);
         }
@@ -289,10 +290,10 @@ TEST(WfxCopy, FormAndExtraDataOfAnOpaqueFormat) {
         Room<tWAVEFORMATEX> out(row.room);
         KtAudio_GeneralCopyWfx(out.Get(), row.room, record.Get(), row.dest);
         EXPECT_TRUE(out.EndIsIntact());
-        EXPECT_EQ(out->wFormatTag, row.form == 40 ? 0xFFFE : 0x161);
-        EXPECT_EQ(out->cbSize, row.form - 18 + row.extra);
-        EXPECT_EQ(out->nBlockAlign, 24);
-        EXPECT_EQ(out->nAvgBytesPerSec, 6000u);
+        EXPECT_EQ(+out->wFormatTag, row.form == 40 ? 0xFFFE : 0x161);
+        EXPECT_EQ(+out->cbSize, row.form - 18 + row.extra);
+        EXPECT_EQ(+out->nBlockAlign, 24);
+        EXPECT_EQ(+out->nAvgBytesPerSec, 6000u);
         for (uint32_t i = 0; i < row.extra; ++i) EXPECT_EQ(out.At(row.form + i), i + 1);
         if (row.form == 40) {
             const ExtensiblePart part = ReadExtensiblePart(out.Get());
@@ -314,7 +315,7 @@ TEST(WfxCopy, OfAPlatformRecordKeeps94BytesOfExtraData) {
     Room<tWAVEFORMATEX> source = Source(0x55, 0, 200, false);
     Room<tWAVEFORMATEX> out(300);
     KtAudio_CopyWfx(out.Get(), 300, source.Get(), kIfNeeded);
-    EXPECT_EQ(out->cbSize, 94);
+    EXPECT_EQ(+out->cbSize, 94);
     EXPECT_EQ(out.At(18 + 93), 94);
     _ktwaveformat_wfxplus plus;
     plus.Init(source.Get(), kIfNeeded);
@@ -394,8 +395,8 @@ TEST(RecordCopy, SizesAndExtraData) {
         Room<_ktwaveformat> out(room);
         EXPECT_EQ(KtAudio_GeneralCopyKtWaveFormat(out.Get(), row.room, record.Get(), kIfNeeded), out.Get());
         EXPECT_TRUE(out.EndIsIntact());
-        EXPECT_EQ(out->size, 32 + row.kept);
-        EXPECT_EQ(out->formatTag, 0x55);
+        EXPECT_EQ(+out->size, 32 + row.kept);
+        EXPECT_EQ(+out->formatTag, 0x55);
         ASSERT_EQ(ExtraLength(*out), row.kept);
         // 32 + extra bytes were copied: all but the last two of the extra data.
         for (uint32_t i = 0; i + 2 < row.kept; ++i) ASSERT_EQ(out.At(34 + i), static_cast<uint8_t>(i + 1));
@@ -409,8 +410,8 @@ TEST(RecordCopy, SizeFieldOfZeroAndPartialRooms) {
     record.size = 0;
     Room<_ktwaveformat> out(40);
     KtAudio_GeneralCopyKtWaveFormat(out.Get(), 40, &record, kIfNeeded);
-    EXPECT_EQ(out->size, 32u);
-    EXPECT_EQ(out->samplesPerSecond, 48000u);
+    EXPECT_EQ(+out->size, 32u);
+    EXPECT_EQ(+out->samplesPerSecond, 48000u);
     Room<_ktwaveformat> part(16);
     KtAudio_GeneralCopyKtWaveFormat(part.Get(), 16, &record, kIfNeeded);
     EXPECT_TRUE(part.EndIsIntact());

@@ -21,7 +21,7 @@ TEST_F(CpuSupport, ReportsWhatTheProcessorHas) {
     EXPECT_EQ(all & KTCPU_CLASS, 6u);  // every 64-bit processor
     EXPECT_EQ(all & 0x70, 0x70u);
     EXPECT_EQ(all & ~0x7FFu, 0u);  // AVX and the rest are never usable
-    uint32_t a, b, c, d;
+    uint32_t a = 0, b = 0, c = 0, d = 0;
     ASSERT_TRUE(__get_cpuid(1, &a, &b, &c, &d));
     EXPECT_EQ((all & KTCPU_SSE3) != 0, (c & 1) != 0);
     EXPECT_EQ((all & KTCPU_SSSE3) != 0, (c >> 9 & 1) != 0);
