@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <new>
+#include <utility>
 #include <vector>
 
 #include "platform/endian.h"
@@ -61,59 +62,71 @@ const char* FaultOf(const ClipDescription& d) noexcept {
     return nullptr;
 }
 
+// A file that goes with the object, unless it has become the clip.
+class TemporaryFile {
+  public:
+    explicit TemporaryFile(WString path) : path_(std::move(path)) {}
+    ~TemporaryFile() {
+        if (!is_there_) return;
+        if (file_.IsOpen()) (void)file_.Close();
+        // A second time, should the first have wanted memory that was short.
+        if (!DeleteFileW(path_.c_str())) DeleteFileW(path_.c_str());
+    }
+    TemporaryFile(const TemporaryFile&) = delete;
+    TemporaryFile& operator=(const TemporaryFile&) = delete;
+
+    [[nodiscard]] bool Create() noexcept { return is_there_ = file_.Create(path_); }
+    [[nodiscard]] bool IsThere() const noexcept { return is_there_; }
+    [[nodiscard]] bool BecomeFile(const WString& path) noexcept {
+        if (!MoveFileExW(path_.c_str(), path.c_str(), MOVEFILE_REPLACE_EXISTING)) return false;
+        is_there_ = false;
+        return true;
+    }
+    [[nodiscard]] const WString& Path() const noexcept { return path_; }
+    [[nodiscard]] OutputFile& File() noexcept { return file_; }
+
+  private:
+    WString path_;
+    OutputFile file_;
+    bool is_there_ = false;
+};
+
 }  // namespace
 
 struct ClipWriter::Job {
     Job(WStringView target, const ClipDescription& d)
         : path(target),
-          pictures_path(path + W(".part")),
-          sound_path(path + W(".sound.part")),
+          pictures(path + W(".part")),
+          sound(path + W(".sound.part")),
           header(HeaderOf(d)),
           reduced(d.width, d.height, d.coding) {}
-    ~Job() {
-        if (pictures.IsOpen()) (void)pictures.Close();
-        if (!finished) DeleteFileW(pictures_path.c_str());
-        DropSound();
-    }
-    Job(const Job&) = delete;
-    Job& operator=(const Job&) = delete;
-
-    void DropSound() noexcept {
-        if (!has_sound_file) return;
-        if (sound.IsOpen()) (void)sound.Close();
-        DeleteFileW(sound_path.c_str());
-        has_sound_file = false;
-    }
 
     [[nodiscard]] bool Start() {
         // The header is written last; until then its place holds zeros, which no reader takes for a clip.
         const std::vector<std::byte> zeros(sizeof(ClipHeader));
-        return pictures.Create(pictures_path) && pictures.Write(zeros.data(), zeros.size());
+        return pictures.Create() && pictures.File().Write(zeros.data(), zeros.size());
     }
 
     [[nodiscard]] bool WriteFrame(const uint16_t* rgb) {
         const std::vector<uint16_t>& smaller = reduced.Make(rgb);
         const uint64_t bytes = LevelOffset(header.width, header.height, 1);
-        if (!pictures.Write(rgb, bytes)) return false;
-        if (!pictures.Write(smaller.data(), smaller.size() * sizeof(uint16_t))) return false;
+        if (!pictures.File().Write(rgb, bytes)) return false;
+        if (!pictures.File().Write(smaller.data(), smaller.size() * sizeof(uint16_t))) return false;
         ++header.frameCount;
         return true;
     }
 
     // Sound waits in a file of its own, since it stands behind the last picture.
     [[nodiscard]] bool WriteSound(const int32_t* interleaved, size_t samples) {
-        if (!has_sound_file) {
-            if (!sound.Create(sound_path)) return false;
-            has_sound_file = true;
-        }
+        if (!sound.IsThere() && !sound.Create()) return false;
+        copy.resize(kCopyBytes);
         const size_t values = samples * ChannelCount(header.channelMask);
         for (size_t done = 0; done < values;) {
             const size_t part = std::min(values - done, kCopyBytes / sizeof(int32_t));
-            copy.resize(kCopyBytes);
             for (size_t i = 0; i < part; ++i) {
                 platform::StoreBig(copy.data() + i * sizeof(int32_t), interleaved[done + i]);
             }
-            if (!sound.Write(copy.data(), part * sizeof(int32_t))) return false;
+            if (!sound.File().Write(copy.data(), part * sizeof(int32_t))) return false;
             done += part;
         }
         header.sampleCount += samples;
@@ -121,14 +134,14 @@ struct ClipWriter::Job {
     }
 
     [[nodiscard]] bool AppendSound() {
-        if (!has_sound_file) return true;
-        if (!sound.Close()) return false;
+        if (!sound.IsThere()) return true;
+        if (!sound.File().Close()) return false;
         InputFile input;
-        if (!input.Open(sound_path)) return false;
+        if (!input.Open(sound.Path())) return false;
         copy.resize(kCopyBytes);
         for (uint64_t done = 0; done < input.Size();) {
             const size_t part = input.ReadAt(done, copy.data(), copy.size());
-            if (part == 0 || !pictures.Write(copy.data(), part)) return false;
+            if (part == 0 || !pictures.File().Write(copy.data(), part)) return false;
             done += part;
         }
         return true;
@@ -137,19 +150,15 @@ struct ClipWriter::Job {
     [[nodiscard]] bool WriteHeader() {
         header.soundOffset = header.picturesOffset + header.frameCount * header.frameBytes;
         header.checksum = HeaderChecksum(header);
-        return pictures.Rewind() && pictures.Write(&header, sizeof header);
+        return pictures.File().Rewind() && pictures.File().Write(&header, sizeof header);
     }
 
     WString path;
-    WString pictures_path;
-    WString sound_path;
+    TemporaryFile pictures;
+    TemporaryFile sound;
     ClipHeader header;
     ReducedSizes reduced;
-    OutputFile pictures;
-    OutputFile sound;
     std::vector<std::byte> copy;
-    bool has_sound_file = false;
-    bool finished = false;
 };
 
 ClipWriter::ClipWriter() = default;
@@ -184,7 +193,7 @@ bool ClipWriter::Open(WStringView path, const ClipDescription& description) noex
         if (const char* fault = FaultOf(description)) return Fail(fault);
         job_ = std::make_unique<Job>(path, description);
         if (job_->Start()) return true;
-        return Fail(("cannot write " + platform::Utf8(job_->pictures_path)).c_str());
+        return Fail(("cannot write " + platform::Utf8(job_->pictures.Path())).c_str());
     } catch (const std::exception&) {
         job_.reset();
         error_ = "out of memory";
@@ -210,13 +219,12 @@ bool ClipWriter::AddAudio(const int32_t* interleaved, size_t samples) noexcept {
 
 bool ClipWriter::Finish() noexcept {
     return Run([&] {
-        if (!job_->AppendSound() || !job_->WriteHeader() || !job_->pictures.Close()) {
+        if (!job_->AppendSound() || !job_->WriteHeader() || !job_->pictures.File().Close()) {
             return Fail("cannot complete the file: the disk may be full");
         }
-        if (!MoveFileExW(job_->pictures_path.c_str(), job_->path.c_str(), MOVEFILE_REPLACE_EXISTING)) {
+        if (!job_->pictures.BecomeFile(job_->path)) {
             return Fail(("cannot name the finished file " + platform::Utf8(job_->path)).c_str());
         }
-        job_->finished = true;
         job_.reset();
         return true;
     });

@@ -23,7 +23,7 @@ struct ClipDescription {
     uint32_t sample_rate = 0;   // 0: no sound
     uint32_t sample_size = 24;  // 16, 24 or 32: how many of a sample's upper bits mean something
     uint32_t channel_mask = 0;  // a channel for each bit; bits 0 to 3
-    DecodeSettingsRecord settings;
+    DecodeSettingsRecord settings = {};
 };
 
 // Writes beside the target, under the target's name with ".part" after it, and takes the target's name only in Finish:

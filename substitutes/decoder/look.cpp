@@ -8,8 +8,8 @@
 namespace clipfio::decoder {
 namespace {
 
-// Light is kept below this, which no sensible setting reaches.
-constexpr double kMostLight = 1.0e6;
+// Light and signal are kept below this, which no sensible setting reaches, so that they stay finite.
+constexpr double kMost = 1.0e6;
 
 double Limited(float value, double least, double most, double otherwise) noexcept {
     return std::isnan(value) ? otherwise : std::clamp(static_cast<double>(value), least, most);
@@ -49,7 +49,7 @@ Look::Grade::Grade(const LiftGammaGain& settings, const UserCurvePoints& points)
 
 double Look::Grade::operator()(double x) const noexcept {
     x = std::max(gain * (x + lift * std::max(1.0 - x, 0.0)), 0.0);
-    return exponent == 1.0 ? x : std::pow(x, exponent);
+    return exponent == 1.0 ? x : std::min(std::pow(x, exponent), kMost);
 }
 
 Look::Look(const DecodeSettingsRecord& s) noexcept
@@ -76,7 +76,7 @@ double Look::ExposedLight(size_t channel, double light) const noexcept {
     if (flut_ != 1.0) x = Bend(x, flut_);
     if (enhanced_blacks_) x = DeepenBlacks(x);
     if (shadow_ != 0.0) x = LiftShadows(x, shadow_);
-    return std::min(HoldHighlights(x, drx_), kMostLight);
+    return std::min(HoldHighlights(x, drx_), kMost);
 }
 
 bool Look::ExposesByFactor() const noexcept {

@@ -26,7 +26,7 @@ bool MayDropFrames(uint32_t numerator, uint32_t denominator) noexcept {
 
 uint64_t FramesPerDay(TimecodeRate rate) noexcept { return FramesPerTenMinutes(rate) * 6 * 24; }
 
-void FormatTimecode(uint64_t frame, TimecodeRate rate, char (&out)[kTimecodeChars]) noexcept {
+Timecode TimecodeOf(uint64_t frame, TimecodeRate rate) noexcept {
     uint64_t number = frame % FramesPerDay(rate);
     if (const uint64_t dropped = DroppedNumbers(rate); dropped != 0) {
         const uint64_t ten_minutes = FramesPerTenMinutes(rate);
@@ -37,9 +37,14 @@ void FormatTimecode(uint64_t frame, TimecodeRate rate, char (&out)[kTimecodeChar
         number += dropped * (9 * (number / ten_minutes) + minutes_that_dropped);
     }
     const uint64_t seconds = number / rate.fps;
-    std::snprintf(out, sizeof out, "%02u:%02u:%02u%c%02u", static_cast<unsigned>(seconds / 3600),
-                  static_cast<unsigned>(seconds / 60 % 60), static_cast<unsigned>(seconds % 60),
-                  rate.drop_frame ? ';' : ':', static_cast<unsigned>(number % rate.fps));
+    return {static_cast<uint32_t>(seconds / 3600), static_cast<uint32_t>(seconds / 60 % 60),
+            static_cast<uint32_t>(seconds % 60), static_cast<uint32_t>(number % rate.fps)};
+}
+
+void FormatTimecode(uint64_t frame, TimecodeRate rate, char (&out)[kTimecodeChars]) noexcept {
+    const Timecode code = TimecodeOf(frame, rate);
+    std::snprintf(out, sizeof out, "%02u:%02u:%02u%c%02u", code.hours, code.minutes, code.seconds,
+                  rate.drop_frame ? ';' : ':', code.frames);
 }
 
 }  // namespace clipfio::decoder

@@ -20,9 +20,18 @@ bool MayDropFrames(uint32_t numerator, uint32_t denominator) noexcept;
 
 uint64_t FramesPerDay(TimecodeRate rate) noexcept;
 
+struct Timecode {
+    uint32_t hours, minutes, seconds, frames;
+
+    friend bool operator==(const Timecode&, const Timecode&) = default;
+};
+
+// After midnight it starts again from 0.
+Timecode TimecodeOf(uint64_t frame, TimecodeRate rate) noexcept;
+
 inline constexpr uint32_t kTimecodeChars = 32;
 
-// "hh:mm:ss:ff", with ';' before the frames of a drop-frame rate; after midnight it starts again from 0.
+// "hh:mm:ss:ff", with ';' before the frames of a drop-frame rate.
 void FormatTimecode(uint64_t frame, TimecodeRate rate, char (&out)[kTimecodeChars]) noexcept;
 
 }  // namespace clipfio::decoder

@@ -1,0 +1,89 @@
+// The built decoder library, loaded and bound as a client does it, and clips to try it on.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "platform/base.h"
+#include "r3dsdk/sdk_records.h"
+#include "substitutes/decoder/clip_writer.h"
+#include "substitutes/decoder/status.h"
+
+namespace clipfio::decoder::test {
+
+// The library's operations. Loaded at the first use, for the life of the process.
+struct DecoderLibrary {
+    static const DecoderLibrary& Get();
+
+    HMODULE module = nullptr;
+    uintptr_t (*create_clip)() = nullptr;
+    void (*destroy_clip)(uintptr_t) = nullptr;
+    uint32_t (*clip_status)(uintptr_t) = nullptr;
+    uint32_t (*load_clip)(uintptr_t, const char*) = nullptr;
+    void (*close_clip)(uintptr_t) = nullptr;
+    uint32_t (*decode_frame)(uintptr_t, uint64_t, const VideoDecodeJob*) = nullptr;
+    uint32_t (*decode_audio)(uintptr_t, uint64_t, uint64_t*, void*, uint64_t) = nullptr;
+    void (*get_clip_settings)(uintptr_t, DecodeSettingsRecord*) = nullptr;
+    uint64_t (*clip_width)(uintptr_t) = nullptr;
+    uint64_t (*clip_height)(uintptr_t) = nullptr;
+    uint64_t (*clip_frame_count)(uintptr_t) = nullptr;
+    float (*clip_frame_rate)(uintptr_t) = nullptr;
+    uint64_t (*audio_block_info)(uintptr_t, uint64_t*) = nullptr;
+    uint64_t (*audio_sample_count)(uintptr_t) = nullptr;
+    const char* (*frame_timecode)(uintptr_t, uint64_t) = nullptr;
+    uint32_t (*get_metadata_number)(uintptr_t, const char*) = nullptr;
+};
+
+constexpr uint32_t Number(Status status) { return static_cast<uint32_t>(status); }
+
+// A file name of its own in the folder for temporary files; the file goes with the object.
+class TestFile {
+  public:
+    explicit TestFile(const std::string& ending = ".r3d");  // UTF-8
+    ~TestFile();
+    TestFile(const TestFile&) = delete;
+    TestFile& operator=(const TestFile&) = delete;
+
+    [[nodiscard]] const WString& Path() const { return path_; }
+    [[nodiscard]] std::string Utf8() const;
+    [[nodiscard]] std::vector<uint8_t> Bytes() const;
+    void Write(const std::vector<uint8_t>& bytes) const;
+
+  private:
+    WString path_;
+};
+
+// A handle of the library, with a clip or without.
+class TestClip {
+  public:
+    TestClip() : handle_(DecoderLibrary::Get().create_clip()) {}
+    explicit TestClip(const TestFile& file) : TestClip() { (void)Load(file.Utf8()); }
+    ~TestClip() { DecoderLibrary::Get().destroy_clip(handle_); }
+    TestClip(const TestClip&) = delete;
+    TestClip& operator=(const TestClip&) = delete;
+
+    [[nodiscard]] uintptr_t Handle() const { return handle_; }
+    uint32_t Load(const std::string& path) const { return DecoderLibrary::Get().load_clip(handle_, path.c_str()); }
+
+    // The picture, with its rows packed; empty when the library refuses.
+    [[nodiscard]] std::vector<uint16_t> Rgb16(uint64_t frame, DecodeMode mode, const DecodeSettingsRecord& look) const;
+    [[nodiscard]] std::vector<uint8_t> Bgra8(uint64_t frame, DecodeMode mode, const DecodeSettingsRecord& look) const;
+
+  private:
+    uintptr_t handle_;
+};
+
+uint32_t DivisorOf(DecodeMode mode);
+
+// The factory default, delivered in Rec. 709 as a reader asks for it: shows footage as it was put in.
+DecodeSettingsRecord NeutralLook();
+
+// Noise over the whole range of 16 bits, the same for the same seed.
+std::vector<uint16_t> NoisePicture(uint32_t width, uint32_t height, uint32_t seed);
+
+// Writes a clip of these pictures, each of width x height x 3 samples; fails the test when it cannot.
+void WriteClip(const TestFile& file, const ClipDescription& description,
+               const std::vector<std::vector<uint16_t>>& pictures, const std::vector<int32_t>& sound = {});
+
+}  // namespace clipfio::decoder::test
