@@ -214,7 +214,8 @@ HRESULT CReadAudioStream::ReadBlock(uint64_t first, void* destination, int32_t c
     const auto hold = lock_.Hold();
     *read = 0;
     const R3DClip* clip = *clip_;
-    if (!clip) return E_FAIL;
+    // Without channels there is no buffer to give, and the decoder is not told of samples that it has no room for.
+    if (!clip || native_format_.nBlockAlign == 0) return E_FAIL;
     const int64_t bytes = static_cast<int64_t>(native_format_.nBlockAlign) * count;
     void* samples = nullptr;
     const HRESULT result = ReserveSamples(bytes, &samples);

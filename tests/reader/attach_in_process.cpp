@@ -1,11 +1,12 @@
 #include "platform/modules.h"
+#include "platform/text.h"
 #include "reader/plugin_module.h"
 #include "tests/reader/reader_scene.h"
 
 namespace reader_tests {
 
 bool AttachReader() {
-    SetEnvironmentVariableW(W("R3DSDKPATH"), W(CLIPFIO_FAKE_DECODER));
+    SetEnvironmentVariableW(W("R3DSDKPATH"), platform::Wide(CLIPFIO_FAKE_DECODER).c_str());
     return clipfio::AttachProcess(nullptr);
 }
 

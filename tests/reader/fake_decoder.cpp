@@ -1,7 +1,9 @@
 #include "tests/reader/fake_decoder.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <cstring>
+#include <new>
 
 #include "platform/endian.h"
 #include "r3dsdk/sdk_interfaces.h"
@@ -16,8 +18,9 @@ fake_decoder::State state;
 
 Script& Told() noexcept { return state.script; }
 
-void Event(const std::string& text) {
-    if (Told().on_event) Told().on_event(text.c_str());
+// Takes no memory unless it remembers: a test that fails allocations means the reader's.
+void Event(const char* text) {
+    if (Told().on_event) Told().on_event(text);
     if (Told().remembers) Told().events.push_back(text);
 }
 
@@ -43,9 +46,7 @@ void NoteMisuse(bool misuse) noexcept {
     if (misuse) state.misuses.fetch_add(1, std::memory_order_relaxed);
 }
 
-void NoteIfDecoding(uintptr_t clip) noexcept {
-    NoteMisuse(Object(clip).decoding.load(std::memory_order_relaxed) != 0);
-}
+void NoteIfDecoding(uintptr_t clip) noexcept { NoteMisuse(Object(clip).decoding.load(std::memory_order_relaxed) != 0); }
 
 uint64_t Divisor(DecodeMode mode) noexcept {
     switch (mode) {
@@ -91,28 +92,29 @@ KT_API uint32_t RED_STATICLIB_PATCH_VERSION() { return 3; }
 KT_API const char* RED_LIB_BUILD_NAME() { return "fake"; }
 KT_API const char* RED_STATICLIB_BUILD_NAME() { return "fake"; }
 KT_API int32_t RED_LIB_INITIALIZE(uint32_t phase, SdkKeyValues*, const HMODULE*, uint32_t) {
-    Event("initialize " + std::to_string(phase));
-    return phase < 3 ? Told().phase_status[phase] : 0;
+    constexpr const char* kEvents[] = {"initialize 0", "initialize 1", "initialize 2"};
+    Event(kEvents[phase]);
+    return Told().phase_status[phase];
 }
 KT_API void RED_LIB_FINALIZE() { Event("finalize"); }
 
 KT_API uintptr_t R3D_AAB() {
     Event("create");
     state.live_clips.fetch_add(1, std::memory_order_relaxed);
-    return reinterpret_cast<uintptr_t>(new ClipObject);
+    return reinterpret_cast<uintptr_t>(new (std::malloc(sizeof(ClipObject))) ClipObject);
 }
 
 KT_API void R3D_AAA(uintptr_t clip) {
     Event("destroy");
     NoteIfDecoding(clip);
     state.live_clips.fetch_sub(1, std::memory_order_relaxed);
-    delete &Object(clip);
+    std::free(&Object(clip));
 }
 
 KT_API int32_t R3D_AAD(uintptr_t clip) { return Object(clip).loaded.load(std::memory_order_relaxed) ? 0 : 2; }
 
 KT_API int32_t R3D_AAE(uintptr_t clip, const char* path) {
-    Event(std::string("load ") + path);
+    if (Told().remembers) Event((std::string("load ") + path).c_str());
     NoteIfDecoding(clip);
     const bool fails = Told().loads_to_fail > 0;
     if (fails) --Told().loads_to_fail;
@@ -164,7 +166,10 @@ KT_API int32_t R3D_AAK(uintptr_t clip, uint64_t first, uint64_t* count, void* bu
     if (first >= told.clip.samples) return 5;
     const auto channels = static_cast<uint32_t>(__builtin_popcount(told.clip.channel_mask & 0xF));
     *count = std::min({*count, answer.most, told.clip.samples - first});
-    NoteMisuse(bytes < *count * channels * 4);
+    if (bytes < *count * channels * 4) {
+        NoteMisuse(true);
+        return 4;
+    }
     auto* out = static_cast<uint8_t*>(buffer);
     for (uint64_t i = 0; i < *count; ++i) {
         for (uint32_t c = 0; c < channels; ++c, out += 4) platform::StoreBig(out, fake_decoder::Sound(first + i, c));

@@ -76,8 +76,8 @@ TEST(FrameDelivery, EveryLevelGivesWhatThePlainOneGives) {
 // Large pictures go past the cache, where the addresses of the rows matter.
 TEST(FrameDelivery, EveryLevelGivesWhatThePlainOneGivesInLargePictures) {
     for (const Kind& kind : kKinds) {
-        for (const uint64_t width : {511u, 640u, 1001u, 1922u}) {
-            for (const uint64_t past : {0u, 4u, 16u, 17u, 32u, 48u, 63u}) ExpectAsPlain(kind, width, 520, past, past);
+        for (const uint64_t width : {1001u, 1922u}) {
+            for (const uint64_t past : {0u, 4u, 16u, 17u, 32u, 48u, 63u}) ExpectAsPlain(kind, width, 270, past, past);
         }
     }
 }

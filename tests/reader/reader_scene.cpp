@@ -1,5 +1,6 @@
 #include "tests/reader/reader_scene.h"
 
+#include "platform/text.h"
 #include "reader/plugin_exports.h"
 
 namespace reader_tests {
@@ -7,7 +8,7 @@ namespace reader_tests {
 fake_decoder::State& Decoder() {
     // Never let go: the state outlives each time that the module lets the library go.
     static fake_decoder::State& state = []() -> fake_decoder::State& {
-        const HMODULE library = LoadLibraryW(W(CLIPFIO_FAKE_DECODER "/REDR3D-x64.dll"));
+        const HMODULE library = LoadLibraryW(platform::Wide(CLIPFIO_FAKE_DECODER "/REDR3D-x64.dll").c_str());
         const auto get = reinterpret_cast<decltype(&FakeDecoderState)>(
             reinterpret_cast<void*>(GetProcAddress(library, "FakeDecoderState")));
         return *get();
