@@ -49,9 +49,9 @@ void RunBlocks(const BlockPair& pair, void* destination, const void* source, int
     const size_t head = total < 4 * block ? 0 : SamplesToLine(dst, pair.dstBytes) % block;
     const size_t blocks = (total - head) / block;
     const size_t tailAt = head + blocks * block;
+    const size_t tail = total - tailAt;
     uint8_t* const middle = dst + head * dstBytes;
     const uint8_t* const middleSource = src + head * srcBytes;
-    const size_t tail = total - tailAt;
     if (pair.backward) {
         RunPart(pair, kernel, dst + tailAt * dstBytes, src + tailAt * srcBytes, tail, gain);
         kernel(middle, middleSource, blocks, gain);

@@ -9,8 +9,8 @@ namespace clipfio::audio {
 inline constexpr int kMaxBlockSamples = 64;
 inline constexpr int kMaxSampleBytes = 8;
 
-// Converts `blocks` whole blocks. Reads and writes exactly their bytes, at any address; loads each block whole before
-// it stores any of it; walks in the direction of its pair.
+// Converts `blocks` whole blocks. Reads and writes exactly their bytes, at any address, in the walking order of the
+// pair, and loads whatever a store may cover before that store.
 using BlockKernel = void (*)(uint8_t* dst, const uint8_t* src, size_t blocks, float gain);
 
 // What the driver has to know of a pair.

@@ -8,13 +8,11 @@ add_custom_command(OUTPUT ${exports_script}
   DEPENDS ${exports_list} ${PROJECT_SOURCE_DIR}/scripts/exports.py VERBATIM)
 add_custom_target(clipfio_exports DEPENDS ${exports_script})
 
-# The entry stands last: it is constructed last and destroyed first.
-add_library(clipfio SHARED
-  reader/module_entry.cpp
-  $<TARGET_OBJECTS:clipfio_resources>
-  $<TARGET_OBJECTS:clipfio_module_entry>)
+add_library(clipfio SHARED reader/module_entry.cpp $<TARGET_OBJECTS:clipfio_resources>)
 add_dependencies(clipfio clipfio_exports)
 target_link_libraries(clipfio PRIVATE $<LINK_LIBRARY:WHOLE_ARCHIVE,clipfio_core> clipfio_platform clipfio_flags)
+# The entry is constructed last and destroyed first.
+clipfio_link_module_entry(clipfio)
 target_link_options(clipfio PRIVATE -Wl,--version-script=${exports_script} -Wl,-z,defs)
 if(CLIPFIO_SANITIZE)
   # A sanitizer's runtime is the program's.

@@ -1,13 +1,13 @@
 // The commands, and what they share.
 #pragma once
 
-#include <CLI/CLI.hpp>
 #include <functional>
 #include <memory>
-#include <nlohmann/json.hpp>
+#include <nlohmann/json_fwd.hpp>
 #include <string>
 #include <vector>
 
+#include "host/arguments.h"
 #include "host/clip.h"
 #include "host/module_client.h"
 
@@ -18,24 +18,23 @@ class Context {
     // Loaded at the first call. Throws Failure.
     Module& GetModule();
 
-    std::string module_path;   // as the user gave it
-    std::function<int()> run;  // the command that was chosen; gives the exit status
+    std::string module_path;  // as the user gave it
 
   private:
     std::unique_ptr<Module> module_;
 };
 
 // Each adds its command to the program. They live in files of their own, named after them.
-void AddInfo(CLI::App& app, Context& context);
-void AddFrame(CLI::App& app, Context& context);
-void AddExport(CLI::App& app, Context& context);
-void AddPipe(CLI::App& app, Context& context);
-void AddAudio(CLI::App& app, Context& context);
-void AddWaveform(CLI::App& app, Context& context);
-void AddSheet(CLI::App& app, Context& context);
-void AddSettings(CLI::App& app, Context& context);
-void AddMakeSample(CLI::App& app, Context& context);
-void AddMakeClip(CLI::App& app, Context& context);
+void AddInfo(CommandLine& line, Context& context);
+void AddFrame(CommandLine& line, Context& context);
+void AddExport(CommandLine& line, Context& context);
+void AddPipe(CommandLine& line, Context& context);
+void AddAudio(CommandLine& line, Context& context);
+void AddWaveform(CommandLine& line, Context& context);
+void AddSheet(CommandLine& line, Context& context);
+void AddSettings(CommandLine& line, Context& context);
+void AddMakeSample(CommandLine& line, Context& context);
+void AddMakeClip(CommandLine& line, Context& context);
 
 // The clip, open; a failure's message begins with its path.
 [[nodiscard]] Clip OpenClip(Context& context, const std::string& path);
@@ -47,7 +46,8 @@ void Say(const std::string& line);
 // not stop the others.
 class FileResults {
   public:
-    explicit FileResults(bool json) : json_(json) {}
+    explicit FileResults(bool json);
+    ~FileResults();
 
     // `work` fills the file's JSON entry and gives its text.
     void Add(const std::string& path, const std::function<std::string(nlohmann::ordered_json& entry)>& work);
@@ -57,7 +57,7 @@ class FileResults {
   private:
     bool json_;
     bool failed_ = false;
-    nlohmann::ordered_json files_ = nlohmann::ordered_json::array();
+    std::unique_ptr<nlohmann::ordered_json> files_;
 };
 
 }  // namespace clipfio::host

@@ -50,14 +50,15 @@ int Run(Context& context, const Options& options) {
 
 }  // namespace
 
-void AddAudio(CLI::App& app, Context& context) {
+void AddAudio(CommandLine& line, Context& context) {
     const auto options = std::make_shared<Options>();
-    CLI::App* command = app.add_subcommand("audio", "Writes the sound as a WAV file of 32-bit floats");
-    AddClip(*command, options->clip);
-    command->add_option("-o,--output", options->output, "The file (else the clip's name with .wav)")->type_name("FILE");
-    command->add_option("--from", options->from, "First sample, from 0")->type_name("A");
-    command->add_option("--count", options->count, "Samples per channel (else up to the end)")->type_name("N");
-    command->callback([options, &context] { context.run = [options, &context] { return Run(context, *options); }; });
+    Arguments arguments = line.Add("audio", "Writes the sound as a WAV file of 32-bit floats",
+                                   [options, &context] { return Run(context, *options); });
+
+    AddClip(arguments, options->clip);
+    arguments.Text("-o,--output", options->output, "The file (else the clip's name with .wav)", "FILE");
+    arguments.Text("--from", options->from, "First sample, from 0", "A");
+    arguments.Text("--count", options->count, "Samples per channel (else up to the end)", "N");
 }
 
 }  // namespace clipfio::host

@@ -22,6 +22,7 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr std::size_t kFewestDigits = 6;
+constexpr uint32_t kMostJobs = 256;
 
 struct Options {
     std::string clip;
@@ -117,20 +118,16 @@ int Run(Context& context, const Options& options) {
 
 }  // namespace
 
-void AddExport(CLI::App& app, Context& context) {
+void AddExport(CommandLine& line, Context& context) {
     const auto options = std::make_shared<Options>();
-    CLI::App* command = app.add_subcommand("export", "Writes frames as PNG files into a folder");
-    AddClip(*command, options->clip);
-    command->add_option("folder", options->folder, "The folder, made where it is missing")
-        ->required()
-        ->type_name("DIR");
-    AddFrameRange(*command, options->range);
-    command->add_option("--jobs", options->jobs, "Frames that are worked on at a time")
-        ->check(CLI::Range(1u, 256u))
-        ->type_name("N")
-        ->capture_default_str();
-    AddFrameOptions(*command, options->frame);
-    command->callback([options, &context] { context.run = [options, &context] { return Run(context, *options); }; });
+    Arguments arguments = line.Add("export", "Writes frames as PNG files into a folder",
+                                   [options, &context] { return Run(context, *options); });
+
+    AddClip(arguments, options->clip);
+    arguments.Text("folder", options->folder, "The folder, made where it is missing", "DIR", Arguments::kRequired);
+    AddFrameRange(arguments, options->range);
+    arguments.Number("--jobs", options->jobs, 1, kMostJobs, "Frames that are worked on at a time", "N");
+    AddFrameOptions(arguments, options->frame);
 }
 
 }  // namespace clipfio::host

@@ -12,6 +12,8 @@
 namespace clipfio::host {
 namespace {
 
+constexpr double kMostGamma = 10;
+
 struct Options {
     std::string clip;
     std::string number;
@@ -58,23 +60,19 @@ int Run(Context& context, const Options& options) {
 
 }  // namespace
 
-void AddFrame(CLI::App& app, Context& context) {
+void AddFrame(CommandLine& line, Context& context) {
     const auto options = std::make_shared<Options>();
-    CLI::App* command = app.add_subcommand("frame", "Writes one frame as a PNG or PFM file");
-    AddClip(*command, options->clip);
-    command->add_option("number", options->number, "The frame, from 0")->required()->type_name("N");
-    command->add_option("-o,--output", options->output, "The file; .pfm holds floats, everything else is PNG")
-        ->type_name("FILE");
-    AddFrameOptions(*command, options->frame);
-    command->add_option("--bits", options->frame.bits, "32: 8 bits a sample. 128: floats; 16 bits a sample in a PNG")
-        ->check(CLI::IsMember({32, 128}))
-        ->capture_default_str();
-    command
-        ->add_option("--gamma", options->frame.gamma, "With --bits 128: 1 for linear light, 0 or 2.2222 for Rec. 709")
-        ->check(CLI::Range(0.0, 10.0))
-        ->type_name("G")
-        ->capture_default_str();
-    command->callback([options, &context] { context.run = [options, &context] { return Run(context, *options); }; });
+    Arguments arguments = line.Add("frame", "Writes one frame as a PNG or PFM file",
+                                   [options, &context] { return Run(context, *options); });
+
+    AddClip(arguments, options->clip);
+    arguments.Text("number", options->number, "The frame, from 0", "N", Arguments::kRequired);
+    arguments.Text("-o,--output", options->output, "The file; .pfm holds floats, everything else is PNG", "FILE");
+    AddFrameOptions(arguments, options->frame);
+    arguments.Choice("--bits", options->frame.bits, {32, 128},
+                     "32: 8 bits a sample. 128: floats; 16 bits a sample in a PNG");
+    arguments.Real("--gamma", options->frame.gamma, 0, Arguments::kIncluded, kMostGamma,
+                   "With --bits 128: 1 for linear light, 0 or 2.2222 for Rec. 709", "G");
 }
 
 }  // namespace clipfio::host

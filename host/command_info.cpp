@@ -1,6 +1,7 @@
 // clipfio info: what a clip is.
 #include <array>
 #include <cstring>
+#include <nlohmann/json.hpp>
 
 #include "audio/wave_format.h"
 #include "host/clip.h"
@@ -19,6 +20,11 @@ using Json = nlohmann::ordered_json;
 
 constexpr double kSecond = 10'000'000.0;
 constexpr int32_t kTextSize = 260;
+
+struct Options {
+    std::vector<std::string> clips;
+    bool json = false;
+};
 
 template <class Ask>
 std::string TextOf(Ask ask) {
@@ -156,27 +162,23 @@ std::string Inspect(Context& context, const std::string& path, Json& entry) {
     return Describe(path, entry, look);
 }
 
+int Run(Context& context, const Options& options) {
+    if (options.clips.empty()) throw UsageError("info: name at least one clip");
+    FileResults results(options.json);
+    for (const std::string& path : options.clips) {
+        results.Add(path, [&](Json& entry) { return Inspect(context, path, entry); });
+    }
+    return results.Finish();
+}
+
 }  // namespace
 
-void AddInfo(CLI::App& app, Context& context) {
-    struct Options {
-        std::vector<std::string> clips;
-        bool json = false;
-    };
+void AddInfo(CommandLine& line, Context& context) {
     const auto options = std::make_shared<Options>();
-    CLI::App* command =
-        app.add_subcommand("info", "Tells what clips are: streams, duration, timecode, settings in force");
-    command->add_option("clips", options->clips, "The clips")->required()->type_name("CLIP");
-    command->add_flag("--json", options->json, "One JSON object for all clips");
-    command->callback([options, &context] {
-        context.run = [options, &context] {
-            FileResults results(options->json);
-            for (const std::string& path : options->clips) {
-                results.Add(path, [&](Json& entry) { return Inspect(context, path, entry); });
-            }
-            return results.Finish();
-        };
-    });
+    Arguments arguments = line.Add("info", "Tells what clips are: streams, duration, timecode, settings in force",
+                                   [options, &context] { return Run(context, *options); });
+    arguments.Texts("clips", options->clips, "The clips", "CLIP");
+    arguments.Flag("--json", options->json, "One JSON object for all clips");
 }
 
 }  // namespace clipfio::host

@@ -84,17 +84,16 @@ int Run(const Options& options) {
 
 }  // namespace
 
-void AddMakeClip(CLI::App& app, Context& context) {
+void AddMakeClip(CommandLine& line, Context&) {
     const auto options = std::make_shared<Options>();
-    CLI::App* command = app.add_subcommand("make-clip", "Makes a clip of raw frames (rgb48le) from standard input");
-    command->add_option("output", options->output, "The clip to write")->required()->type_name("OUT.r3d");
-    command->add_option("--size", options->size, "Size of the frames")->required()->type_name("WxH");
-    command->add_option("--rate", options->rate, "Frames a second: 24, 23.976, 30000/1001")->required()->type_name("R");
-    command->add_option("--audio", options->audio, "A WAV file of 1 to 4 channels")->type_name("X.wav");
-    command->add_option("--timecode", options->timecode, "Of the first frame; hh:mm:ss;ff counts drop-frame")
-        ->type_name("hh:mm:ss:ff");
-    command->footer("ffmpeg -i X -f rawvideo -pix_fmt rgb48le - | clipfio make-clip OUT.r3d --size WxH --rate R");
-    command->callback([options, &context] { context.run = [options] { return Run(*options); }; });
+    Arguments arguments = line.Add("make-clip", "Makes a clip of raw frames (rgb48le) from standard input",
+                                   [options] { return Run(*options); });
+    arguments.Text("output", options->output, "The clip to write", "OUT.r3d", Arguments::kRequired);
+    arguments.Text("--size", options->size, "Size of the frames", "WxH", Arguments::kRequired);
+    arguments.Text("--rate", options->rate, "Frames a second: 24, 23.976, 30000/1001", "R", Arguments::kRequired);
+    arguments.Text("--audio", options->audio, "A WAV file of 1 to 4 channels", "X.wav");
+    arguments.Text("--timecode", options->timecode, "Of the first frame; hh:mm:ss;ff counts drop-frame", "hh:mm:ss:ff");
+    arguments.Footer("ffmpeg -i X -f rawvideo -pix_fmt rgb48le - | clipfio make-clip OUT.r3d --size WxH --rate R");
 }
 
 }  // namespace clipfio::host

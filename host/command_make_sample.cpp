@@ -15,18 +15,21 @@ namespace {
 
 constexpr uint32_t kSampleRate = 48000;
 constexpr uint32_t kDefaultFrames = 48;
-constexpr uint64_t kMostFrames = 10'000'000;
+constexpr uint32_t kMostFrames = 10'000'000;
+constexpr double kMostSeconds = 10'000'000;
+constexpr uint32_t kMostChannels = 4;
 
 struct Options {
     std::string output;
-    std::string size = "1280x720";
+    std::string size = "640x360";
     std::string rate = "24";
-    uint64_t frames = 0;
+    uint32_t frames = 0;
     double seconds = 0;
     uint32_t channels = 2;
 };
 
 uint64_t FrameCount(const Options& options, double rate) {
+    if (options.frames > 0 && options.seconds > 0) throw UsageError("--seconds and --frames exclude each other");
     if (options.frames > 0) return options.frames;
     if (options.seconds <= 0) return kDefaultFrames;
     const double frames = std::ceil(options.seconds * rate - 1e-9);
@@ -74,26 +77,17 @@ int Run(const Options& options) {
 
 }  // namespace
 
-void AddMakeSample(CLI::App& app, Context& context) {
+void AddMakeSample(CommandLine& line, Context&) {
     const auto options = std::make_shared<Options>();
-    CLI::App* command = app.add_subcommand("make-sample", "Makes a clip with a moving test picture and a test sound");
-    command->add_option("output", options->output, "The clip to write")->required()->type_name("OUT.r3d");
-    command->add_option("--size", options->size, "Size of the picture")->type_name("WxH")->capture_default_str();
-    command->add_option("--rate", options->rate, "Frames a second: 24, 23.976, 30000/1001")
-        ->type_name("R")
-        ->capture_default_str();
-    CLI::Option* frames = command->add_option("--frames", options->frames, "Frames (else 48)")
-                              ->check(CLI::Range(uint64_t{1}, kMostFrames))
-                              ->type_name("N");
-    command->add_option("--seconds", options->seconds, "Length in place of --frames")
-        ->check(CLI::PositiveNumber)
-        ->type_name("S")
-        ->excludes(frames);
-    command->add_option("--channels", options->channels, "Channels of sound, 0 for none")
-        ->check(CLI::Range(0u, 4u))
-        ->type_name("C")
-        ->capture_default_str();
-    command->callback([options, &context] { context.run = [options] { return Run(*options); }; });
+    Arguments arguments = line.Add("make-sample", "Makes a clip with a moving test picture and a test sound",
+                                   [options] { return Run(*options); });
+    arguments.Text("output", options->output, "The clip to write", "OUT.r3d", Arguments::kRequired);
+    arguments.Text("--size", options->size, "Size of the picture", "WxH");
+    arguments.Text("--rate", options->rate, "Frames a second: 24, 23.976, 30000/1001", "R");
+    arguments.Number("--frames", options->frames, 1, kMostFrames, "Frames (else 48)", "N");
+    arguments.Real("--seconds", options->seconds, 0, Arguments::kExcluded, kMostSeconds, "Length in place of --frames",
+                   "S");
+    arguments.Number("--channels", options->channels, 0, kMostChannels, "Channels of sound, 0 for none", "C");
 }
 
 }  // namespace clipfio::host

@@ -45,14 +45,14 @@ int Run(Context& context, const Options& options) {
 
 }  // namespace
 
-void AddPipe(CLI::App& app, Context& context) {
+void AddPipe(CommandLine& line, Context& context) {
     const auto options = std::make_shared<Options>();
-    CLI::App* command =
-        app.add_subcommand("pipe", "Writes raw frames (8-bit B, G, R, A; top row first) to standard output");
-    AddClip(*command, options->clip);
-    AddFrameRange(*command, options->range);
-    AddFrameOptions(*command, options->frame);
-    command->callback([options, &context] { context.run = [options, &context] { return Run(context, *options); }; });
+    Arguments arguments = line.Add("pipe", "Writes raw frames (8-bit B, G, R, A; top row first) to standard output",
+                                   [options, &context] { return Run(context, *options); });
+
+    AddClip(arguments, options->clip);
+    AddFrameRange(arguments, options->range);
+    AddFrameOptions(arguments, options->frame);
 }
 
 }  // namespace clipfio::host

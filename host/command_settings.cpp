@@ -1,4 +1,6 @@
 // clipfio settings: shows and edits the decode settings of clips.
+#include <nlohmann/json.hpp>
+
 #include "host/clip.h"
 #include "host/command.h"
 #include "host/console.h"
@@ -109,22 +111,20 @@ int Run(Context& context, const Options& options) {
 
 }  // namespace
 
-void AddSettings(CLI::App& app, Context& context) {
+void AddSettings(CommandLine& line, Context& context) {
     const auto options = std::make_shared<Options>();
-    CLI::App* command = app.add_subcommand("settings", "Shows and edits the decode settings of clips");
-    command->add_option("clips", options->clips, "The clips")->type_name("CLIP");
-    const auto repeated = [&](const char* name, std::vector<std::string>& values, const char* text, const char* type) {
-        command->add_option(name, values, text)->type_name(type)->allow_extra_args(false);
-    };
-    repeated("--set", options->set, "Gives a setting a value; may be given again", "KEY=VALUE");
-    repeated("--unset", options->unset, "Takes the clip's own value for a setting; may be given again", "KEY");
-    command->add_flag("--reset", options->reset, "Takes the clip's own values for all settings");
-    command->add_option("--copy-from", options->copy_from, "Takes all settings of another clip")->type_name("CLIP");
-    command->add_flag("--dry-run", options->dry_run, "Tells what would change and writes nothing");
-    command->add_flag("--print", options->print, "Prints all settings also after an edit");
-    command->add_flag("--json", options->json, "One JSON object for all clips");
-    command->add_flag("--keys", options->keys, "Lists the settings with their limits or choices");
-    command->callback([options, &context] { context.run = [options, &context] { return Run(context, *options); }; });
+    Arguments arguments = line.Add("settings", "Shows and edits the decode settings of clips",
+                                   [options, &context] { return Run(context, *options); });
+
+    arguments.Texts("clips", options->clips, "The clips", "CLIP");
+    arguments.Texts("--set", options->set, "Gives a setting a value; may be given again", "KEY=VALUE");
+    arguments.Texts("--unset", options->unset, "Takes the clip's own value for a setting; may be given again", "KEY");
+    arguments.Flag("--reset", options->reset, "Takes the clip's own values for all settings");
+    arguments.Text("--copy-from", options->copy_from, "Takes all settings of another clip", "CLIP");
+    arguments.Flag("--dry-run", options->dry_run, "Tells what would change and writes nothing");
+    arguments.Flag("--print", options->print, "Prints all settings also after an edit");
+    arguments.Flag("--json", options->json, "One JSON object for all clips");
+    arguments.Flag("--keys", options->keys, "Lists the settings with their limits or choices");
 }
 
 }  // namespace clipfio::host

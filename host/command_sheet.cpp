@@ -75,20 +75,16 @@ int Run(Context& context, const Options& options) {
 
 }  // namespace
 
-void AddSheet(CLI::App& app, Context& context) {
+void AddSheet(CommandLine& line, Context& context) {
     const auto options = std::make_shared<Options>();
-    CLI::App* command = app.add_subcommand("sheet", "Draws frames spread over the clip into one PNG file");
-    AddClip(*command, options->clip);
-    command->add_option("-o,--output", options->output, "The file")->required()->type_name("FILE");
-    command->add_option("--frames", options->frames, "Frames, spread evenly, the first and the last among them")
-        ->check(CLI::Range(1u, kMostFrames))
-        ->type_name("N")
-        ->capture_default_str();
-    command->add_option("--width", options->width, "Width of one frame in the sheet")
-        ->check(CLI::Range(16u, 2048u))
-        ->type_name("W")
-        ->capture_default_str();
-    command->callback([options, &context] { context.run = [options, &context] { return Run(context, *options); }; });
+    Arguments arguments = line.Add("sheet", "Draws frames spread over the clip into one PNG file",
+                                   [options, &context] { return Run(context, *options); });
+
+    AddClip(arguments, options->clip);
+    arguments.Text("-o,--output", options->output, "The file", "FILE", Arguments::kRequired);
+    arguments.Number("--frames", options->frames, 1, kMostFrames,
+                     "Frames, spread evenly, the first and the last among them", "N");
+    arguments.Number("--width", options->width, 16, 2048, "Width of one frame in the sheet", "W");
 }
 
 }  // namespace clipfio::host

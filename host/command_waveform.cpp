@@ -104,13 +104,14 @@ int Run(Context& context, const Options& options) {
 
 }  // namespace
 
-void AddWaveform(CLI::App& app, Context& context) {
+void AddWaveform(CommandLine& line, Context& context) {
     const auto options = std::make_shared<Options>();
-    CLI::App* command = app.add_subcommand("waveform", "Draws the sound into a PNG file, a lane for each channel");
-    AddClip(*command, options->clip);
-    command->add_option("-o,--output", options->output, "The file")->required()->type_name("FILE");
-    command->add_option("--size", options->size, "Size of the picture (else 1200 by 160 a channel)")->type_name("WxH");
-    command->callback([options, &context] { context.run = [options, &context] { return Run(context, *options); }; });
+    Arguments arguments = line.Add("waveform", "Draws the sound into a PNG file, a lane for each channel",
+                                   [options, &context] { return Run(context, *options); });
+
+    AddClip(arguments, options->clip);
+    arguments.Text("-o,--output", options->output, "The file", "FILE", Arguments::kRequired);
+    arguments.Text("--size", options->size, "Size of the picture (else 1200 by 160 a channel)", "WxH");
 }
 
 }  // namespace clipfio::host

@@ -10,6 +10,7 @@ namespace clipfio::host {
 namespace {
 
 constexpr double kMostFramesPerSecond = 1000.0;
+constexpr uint32_t kMostQuality = 100;
 constexpr uint32_t kMostRatePart = 1'000'000;
 
 // N * 1000 / 1001 for a whole N, when the rate is that to three decimals.
@@ -32,29 +33,20 @@ std::optional<Rate> RateOf(double rate) {
 
 }  // namespace
 
-void AddClip(CLI::App& command, std::string& clip) {
-    command.add_option("clip", clip, "The clip")->required()->type_name("CLIP");
+void AddClip(Arguments& arguments, std::string& clip) {
+    arguments.Text("clip", clip, "The clip", "CLIP", Arguments::kRequired);
 }
 
-void AddFrameOptions(CLI::App& command, FrameOptions& options) {
-    command
-        .add_option("--scale", options.scale, "Size as a fraction of the full one; 1, 1/2, 1/4, 1/8 and 1/16 are had")
-        ->check(
-            [](const std::string& text) {
-                const auto scale = ReadNumber<double>(text);
-                return scale && *scale > 0 && *scale <= 1 ? std::string() : "'" + text + "' is not above 0 and up to 1";
-            },
-            "", "SCALE")
-        ->type_name("S")
-        ->capture_default_str();
-    command.add_option("--quality", options.quality, "At half size, 4 and more is the better of two ways")
-        ->type_name("Q")
-        ->capture_default_str();
+void AddFrameOptions(Arguments& arguments, FrameOptions& options) {
+    arguments.Real("--scale", options.scale, 0, Arguments::kExcluded, 1,
+                   "Size as a fraction of the full one; 1, 1/2, 1/4, 1/8 and 1/16 are had", "S");
+    arguments.Number("--quality", options.quality, 0, kMostQuality,
+                     "At half size, 4 and more is the better of two ways", "Q");
 }
 
-void AddFrameRange(CLI::App& command, RangeText& range) {
-    command.add_option("--from", range.from, "First frame, from 0 (else the clip's first)")->type_name("A");
-    command.add_option("--to", range.to, "Last frame, itself included (else the clip's last)")->type_name("B");
+void AddFrameRange(Arguments& arguments, RangeText& range) {
+    arguments.Text("--from", range.from, "First frame, from 0 (else the clip's first)", "A");
+    arguments.Text("--to", range.to, "Last frame, itself included (else the clip's last)", "B");
 }
 
 PictureSize ParseSize(const std::string& text) {

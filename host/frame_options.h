@@ -1,24 +1,24 @@
 // Arguments that several commands take.
 #pragma once
 
-#include <CLI/CLI.hpp>
 #include <string>
 
+#include "host/arguments.h"
 #include "host/frames.h"
 
 namespace clipfio::host {
 
-void AddClip(CLI::App& command, std::string& clip);
+void AddClip(Arguments& arguments, std::string& clip);
 
 // --scale, --quality.
-void AddFrameOptions(CLI::App& command, FrameOptions& options);
+void AddFrameOptions(Arguments& arguments, FrameOptions& options);
 
 // --from and --to, as ParseFrameRange takes them.
 struct RangeText {
     std::string from;
     std::string to;
 };
-void AddFrameRange(CLI::App& command, RangeText& range);
+void AddFrameRange(Arguments& arguments, RangeText& range);
 
 struct PictureSize {
     uint32_t width = 0;

@@ -81,35 +81,6 @@ bool HasSettingsFile(const std::string& clip_path) {
     return std::filesystem::is_regular_file(PathFromUtf8(SettingsFileOf(clip_path)), ignored);
 }
 
-nlohmann::ordered_json TypedValue(const std::string& key, const std::string& text) {
-    const PropertyRow* row = FindProperty(key);
-    if (row == nullptr) return nullptr;
-    if (row->kind == PropertyKind::Boolean) return text == "1";
-    if (row->kind == PropertyKind::Float || row->kind == PropertyKind::Coordinate) {
-        const auto number = ReadNumber<double>(text);
-        return number ? nlohmann::ordered_json(*number) : nlohmann::ordered_json(nullptr);
-    }
-    const auto number = ReadNumber<int32_t>(text);
-    return number ? nlohmann::ordered_json(*number) : nlohmann::ordered_json(nullptr);
-}
-
-nlohmann::ordered_json TypedValues(const Look& look) {
-    auto values = nlohmann::ordered_json::object();
-    for (std::size_t rank = 0; rank < kPropertyCount; ++rank) {
-        const std::string key(PropertyAtRank(rank).key);
-        const std::string* text = Find(look, key);
-        values[key] = text != nullptr ? TypedValue(key, *text) : nlohmann::ordered_json(nullptr);
-    }
-    return values;
-}
-
-nlohmann::ordered_json SettingsEntry(const std::string& clip_path, const Look& look) {
-    const bool from_file = HasSettingsFile(clip_path);
-    return {{"source", from_file ? "file" : "clip"},
-            {"file", from_file ? nlohmann::ordered_json(SettingsFileOf(clip_path)) : nlohmann::ordered_json(nullptr)},
-            {"values", TypedValues(look)}};
-}
-
 std::string DescribeLook(const Look& look, const std::string& indent) {
     std::string lines;
     for (std::size_t rank = 0; rank < kPropertyCount; ++rank) {

@@ -8,6 +8,7 @@
 #include "host/failure.h"
 #include "host/output_file.h"
 #include "host/result_text.h"
+#include "platform/files.h"
 #include "platform/modules.h"
 #include "platform/text.h"
 #include "reader/plugin_exports.h"
@@ -22,7 +23,12 @@ using GetClassObject = decltype(&DllGetClassObject);
 constexpr const WCHAR* kDecoderVariable = W("R3DSDKPATH");
 constexpr const WCHAR* kModuleVariable = W("CLIPFIO_MODULE");
 
+// As the file system names it. Where the system shows the program's file under a fixed name that is taken; the platform
+// would tell it with a drive letter, which means nothing to a user there.
 fs::path ProgramFolder() {
+    std::error_code error;
+    const fs::path shown = fs::read_symlink("/proc/self/exe", error);
+    if (!error) return shown.parent_path();
     std::vector<WCHAR> text(MAX_PATH);
     for (;;) {
         const DWORD length = GetModuleFileNameW(nullptr, text.data(), static_cast<DWORD>(text.size()));
@@ -40,21 +46,23 @@ std::string EnvironmentText(const WCHAR* name) {
     return length < text.size() ? platform::Utf8(WStringView(text.data(), length)) : std::string();
 }
 
-bool IsFile(const fs::path& path) {
-    std::error_code ignored;
-    return fs::is_regular_file(path, ignored);
+// Asked of the platform, which also knows what the user's drive letters mean.
+bool IsFile(const std::string& path) {
+    const DWORD attributes = GetFileAttributesW(platform::Wide(path).c_str());
+    return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) == 0;
 }
 
 std::string FindModule(const std::string& wanted) {
     if (!wanted.empty()) return wanted;
     if (const std::string named = EnvironmentText(kModuleVariable); !named.empty()) return named;
     const fs::path folder = ProgramFolder();
-    const std::array candidates = {folder / CLIPFIO_MODULE_FILE, folder.parent_path() / "lib" / CLIPFIO_MODULE_FILE};
-    for (const fs::path& candidate : candidates) {
-        if (IsFile(candidate)) return Utf8FromPath(candidate);
+    const std::array candidates = {Utf8FromPath(folder / CLIPFIO_MODULE_FILE),
+                                   Utf8FromPath(folder.parent_path() / "lib" / CLIPFIO_MODULE_FILE)};
+    for (const std::string& candidate : candidates) {
+        if (IsFile(candidate)) return candidate;
     }
-    throw Failure("the module was not found; looked for " + Utf8FromPath(candidates[0]) + " and " +
-                  Utf8FromPath(candidates[1]) + "; name it with --module or in CLIPFIO_MODULE");
+    throw Failure("the module was not found; looked for " + candidates[0] + " and " + candidates[1] +
+                  "; name it with --module or in CLIPFIO_MODULE");
 }
 
 }  // namespace
@@ -62,7 +70,7 @@ std::string FindModule(const std::string& wanted) {
 void OfferDecoderBesideProgram() {
     if (!EnvironmentText(kDecoderVariable).empty()) return;
     const fs::path folder = ProgramFolder();
-    if (!IsFile(folder / kDecoderFile)) return;
+    if (!IsFile(Utf8FromPath(folder / kDecoderFile))) return;
     SetEnvironmentVariableW(kDecoderVariable, platform::Wide(Utf8FromPath(folder)).c_str());
 }
 
@@ -74,15 +82,14 @@ std::string DecoderSearchText() {
 
 bool IsDecoderFileThere() {
     const std::string named = EnvironmentText(kDecoderVariable);
-    return IsFile(kDecoderFile) || (!named.empty() && IsFile(PathFromUtf8(named) / kDecoderFile));
+    return IsFile(kDecoderFile) || (!named.empty() && IsFile(named + "/" + kDecoderFile));
 }
 
 Module::Module(const std::string& path) : path_(FindModule(path)) {
-    std::error_code ignored;
+    if (!IsFile(path_)) throw Failure("there is no module " + path_);
     // The loader takes a name without a folder for something to search for.
-    const fs::path absolute = fs::absolute(PathFromUtf8(path_), ignored);
-    if (!IsFile(absolute)) throw Failure("there is no module " + path_);
-    const HMODULE module = LoadLibraryW(platform::Wide(Utf8FromPath(absolute)).c_str());
+    const bool has_folder = path_.find_first_of("/\\") != std::string::npos;
+    const HMODULE module = LoadLibraryW(platform::Wide(has_folder ? path_ : "./" + path_).c_str());
     if (module == nullptr) {
         throw Failure("cannot load the module " + path_ + ": error " + std::to_string(GetLastError()));
     }

@@ -10,11 +10,11 @@
 
 namespace clipfio::host {
 
-// The shortest text that reads back as the same number.
+// The shortest text without an exponent that reads back as the same number.
 template <std::floating_point Float>
 [[nodiscard]] std::string NumberText(Float value) {
-    char buffer[64];
-    return {buffer, std::to_chars(buffer, buffer + sizeof buffer, value).ptr};
+    char buffer[400];  // longer than any double
+    return {buffer, std::to_chars(buffer, buffer + sizeof buffer, value, std::chars_format::fixed).ptr};
 }
 
 // The whole text as a number; nothing when it is not one.

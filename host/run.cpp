@@ -1,9 +1,9 @@
 #include "host/run.h"
 
-#include <algorithm>
+#include <cstdio>
 #include <exception>
-#include <iostream>
 #include <new>
+#include <utility>
 
 #include "host/command.h"
 #include "host/console.h"
@@ -13,32 +13,16 @@ namespace clipfio::host {
 namespace {
 
 int RunCommandLine(std::vector<std::string> args) {
-    CLI::App app("Reads camera clips through the clipfio module.", "clipfio");
     Context context;
-    app.set_version_flag("--version", "clipfio " CLIPFIO_VERSION);
-    app.add_option("--module", context.module_path,
-                   "The module to load (else CLIPFIO_MODULE, or where it is installed)")
-        ->type_name("FILE");
-    app.require_subcommand(1);
-    app.fallthrough();
-    app.footer("Exit status: 0 done, 1 something failed, 2 the command line makes no sense.");
+    CommandLine line("clipfio", "Reads camera clips through the clipfio module.", "clipfio " CLIPFIO_VERSION);
+    line.Common().Text("--module", context.module_path,
+                       "The module to load (else CLIPFIO_MODULE, or where it is installed)", "FILE");
     for (const auto add : {AddInfo, AddFrame, AddExport, AddPipe, AddAudio, AddWaveform, AddSheet, AddSettings,
                            AddMakeSample, AddMakeClip}) {
-        add(app, context);
+        add(line, context);
     }
-
-    args.erase(args.begin(), args.begin() + std::min<std::ptrdiff_t>(1, std::ssize(args)));
-    std::reverse(args.begin(), args.end());
-    try {
-        app.parse(std::move(args));
-    } catch (const CLI::Success& wanted) {
-        app.exit(wanted, std::cout, std::cerr);
-        std::cout.flush();
-        return kExitDone;
-    } catch (const CLI::ParseError& error) {
-        throw UsageError(error.what());
-    }
-    return context.run();
+    if (!args.empty()) args.erase(args.begin());
+    return line.Run(std::move(args));
 }
 
 int Report(const char* message, int status) {

@@ -22,6 +22,12 @@ uint32_t LeadingNumber(WStringView text) {
     return number;
 }
 
+// A zero that a field width put in front of a number.
+bool IsPadding(WStringView digits, std::size_t at) {
+    const WCHAR next = at + 1 < digits.size() ? digits[at + 1] : W(' ');
+    return digits[at] == W('0') && next >= W('0') && next <= W('9');
+}
+
 }  // namespace
 
 Internationals UserInternationals() {
@@ -37,7 +43,7 @@ Internationals UserInternationals() {
 WString GroupDigits(WStringView digits, const Internationals& facts) {
     const auto is_digit = [](WCHAR c) { return c >= W('0') && c <= W('9'); };
     std::size_t first = 0;
-    while (first < digits.size() && !is_digit(digits[first])) ++first;
+    while (first < digits.size() && (!is_digit(digits[first]) || IsPadding(digits, first))) ++first;
     std::size_t end = first;
     while (end < digits.size() && is_digit(digits[end])) ++end;
     WString out(digits.substr(0, first));

@@ -18,7 +18,8 @@ struct Internationals {
 // The user's locale as it stands now. May throw std::bad_alloc.
 Internationals UserInternationals();
 
-// `digits` is an optional '-' and decimal digits; blanks in front are kept. May throw std::bad_alloc.
+// `digits` is an optional '-' and decimal digits; blanks and zeros in front are kept and not grouped. May throw
+// std::bad_alloc.
 WString GroupDigits(WStringView digits, const Internationals& facts);
 
 }  // namespace clipfio

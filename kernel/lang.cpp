@@ -64,7 +64,6 @@ struct KtLang : clipfio::HeapObject {
     void SetLanguage(LCID wanted) noexcept {
         const platform::CriticalSectionLock hold(lock);
         use_language_module = !IsEnglish(wanted);
-        if (!language_module) language_module = base;
         if (lcid == wanted) return;
         lcid = wanted;
         cache.clear();
@@ -85,6 +84,7 @@ HRESULT KtLang_Open(HKTLANG* handle, HMODULE base, LCID lcid, uint32_t ring_size
     std::unique_ptr<KtLang> lang(new (std::nothrow) KtLang);
     if (!lang) return E_OUTOFMEMORY;
     lang->base = base;
+    lang->language_module = base;
     lang->lcid = lcid;
     lang->ring_size = ring_size ? std::max(ring_size, kLeastRing) : kDefaultRing;
     lang->ring.reset(new (std::nothrow) WCHAR[lang->ring_size]());
@@ -103,8 +103,9 @@ LCID KtLang_GetLCID(HKTLANG handle) noexcept { return handle ? handle->lcid : 0;
 int32_t KtLang_UpdateKernelLCID(HKTLANG handle, LCID lcid, int32_t) noexcept {
     const HKTLANG kernel = clipfio::KernelLanguage();
     if (!kernel || !handle) return 0;
-    handle->SetLanguage(lcid);
-    kernel->SetLanguage(lcid);
+    const LCID wanted = lcid ? lcid : LCID{kEnglishUnitedStates};
+    handle->SetLanguage(wanted);
+    kernel->SetLanguage(wanted);
     return 1;
 }
 

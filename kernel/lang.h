@@ -16,8 +16,8 @@ KT_API HRESULT KtLang_Open(HKTLANG* handle, HMODULE base, LCID lcid, uint32_t ri
 KT_API HRESULT KtLang_Close(HKTLANG handle) noexcept;  // null is accepted; always 0
 KT_API LCID KtLang_GetLCID(HKTLANG handle) noexcept;   // 0 for null or when not set
 
-// Sets the language of `handle` and of the kernel's own handle, and forgets the texts of the old one. 0 when either
-// handle is missing, else 1. The last argument is not read.
+// Sets the language of `handle` and of the kernel's own handle, and forgets the texts of the old one. An `lcid` of 0
+// means English (United States). 0 when either handle is missing, else 1. The last argument is not read.
 KT_API int32_t KtLang_UpdateKernelLCID(HKTLANG handle, LCID lcid, int32_t reserved) noexcept;
 
 // The text of a string resource; the empty text when there is none. Never null.

@@ -20,6 +20,7 @@ class Sink {
     Sink(WCHAR* out, std::size_t room) noexcept : out_(out), start_(out), left_(room) {}
 
     [[nodiscard]] bool IsFull() const noexcept { return left_ == 0; }
+    [[nodiscard]] std::size_t Room() const noexcept { return left_; }
     [[nodiscard]] std::size_t Length() const noexcept { return static_cast<std::size_t>(out_ - start_); }
     // False when the text was cut.
     bool Put(WStringView text) noexcept {
@@ -127,12 +128,21 @@ class Engine {
                  : _snwprintf(digits, kLongestConversion - 1, conversion.text.c_str(), va_arg(arguments_, int32_t));
         const WStringView text(digits, length < 0 ? kLongestConversion - 1 : static_cast<std::size_t>(length));
         const bool hex = conversion.kind == W('x') || conversion.kind == W('X');
-        const bool whole = sink_.Put(conversion.grouped && !hex ? GroupedOrPlain(text) : WString(text));
+        if (conversion.grouped && !hex) {
+            status_ = Grouped(text);
+            return;
+        }
         const bool fast = conversion.text.size() == 2;
-        status_ = whole || hex || (!fast && !conversion.grouped) ? S_OK : kBufferTooSmall;
+        status_ = sink_.Put(text) || hex || !fast ? S_OK : kBufferTooSmall;
     }
 
-    WString GroupedOrPlain(WStringView text) { return clipfio::GroupDigits(text, Facts()); }
+    // Where the groups do not fit, the digits are printed without them.
+    HRESULT Grouped(WStringView text) {
+        const WString grouped = clipfio::GroupDigits(text, Facts());
+        const bool fits = grouped.size() <= sink_.Room();
+        sink_.Put(fits ? WStringView(grouped) : text);
+        return fits ? S_OK : kBufferTooSmall;
+    }
 
     const clipfio::Internationals& Facts() {
         if (!have_facts_) facts_ = clipfio::UserInternationals();

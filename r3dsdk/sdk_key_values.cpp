@@ -30,6 +30,7 @@ void SdkKeyValueTable::SetValue(uint64_t key, uint64_t value) noexcept {
     try {
         values_[key] = value;
     } catch (const std::bad_alloc&) {
+        lost_values_ = true;
     }
 }
 
@@ -52,6 +53,7 @@ void SdkKeyValueTable::Dump() noexcept {
 
 void* SdkKeyValueTable::Destroy(uint32_t flags) noexcept {
     values_.clear();
+    lost_values_ = false;
     if (!(flags & 1)) return this;
     delete this;
     return nullptr;

@@ -20,8 +20,12 @@ class SdkKeyValueTable final : public SdkKeyValues {
     // is left: the object or null.
     void* Destroy(uint32_t flags) noexcept override;
 
+    // Something was dropped.
+    bool LostValues() const noexcept { return lost_values_; }
+
   private:
     std::map<uint64_t, uint64_t> values_;
+    bool lost_values_ = false;
 };
 
 }  // namespace clipfio

@@ -65,6 +65,7 @@ class SdkLoader {
         libraries.ShareValues(values_);
     }
     SdkKeyValues& Values() noexcept { return *values_; }
+    SdkKeyValueTable& OwnValues() noexcept { return own_values_; }
 
     // The whole search; on success the best library is running.
     [[nodiscard]] int32_t Search(const char* folder);
@@ -204,7 +205,8 @@ void Publish(SdkLoader* loader) noexcept {
     SetSdkLogValues(loader ? &loader->Values() : nullptr);
 }
 
-void FillValues(SdkKeyValues& values, const char* folder, uint32_t options) {
+// False when memory ran out.
+bool FillValues(SdkKeyValueTable& values, const char* folder, uint32_t options) {
     static const std::string first_folder = folder;
     values.SetValue(kSdkKeyLogLevel, SdkGetTestValue(kSdkTestLogLevel));
     values.SetValue(kSdkKeyMajor, kSdkClientVersion.major);
@@ -218,6 +220,7 @@ void FillValues(SdkKeyValues& values, const char* folder, uint32_t options) {
     values.SetPointer(kSdkKeyFirstPath, first_folder.c_str());
     values.SetValue(kSdkKeySkipMatch, SdkGetTestValue(kSdkTestSkipMatch) != 0);
     values.SetValue(kSdkKeyRedirectMode, SdkGetTestValue(kSdkTestRedirectMode));
+    return !values.LostValues();
 }
 
 // Runs an operation of the loader; memory that runs out is a status like others.
@@ -238,7 +241,7 @@ int32_t SdkInitialize(const char* folder, uint32_t options) noexcept {
     SdkFinalize();
     const int32_t status = Guard([&]() -> int32_t {
         Publish(new SdkLoader);
-        FillValues(current->Values(), folder, options);
+        if (!FillValues(current->OwnValues(), folder, options)) return kSdkTooMany;
         return current->Search(folder);
     });
     if (status == kSdkGood) {

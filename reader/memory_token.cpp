@@ -83,8 +83,8 @@ CMappingOfKtMemoryToken::~CMappingOfKtMemoryToken() noexcept { Dispose(); }
 CMappingOfKtMemoryToken& CMappingOfKtMemoryToken::operator=(const CMappingOfKtMemoryToken&) noexcept = default;
 
 void CMappingOfKtMemoryToken::MapView(uint32_t access) noexcept {
-    const int64_t end = static_cast<int64_t>(token_.size) + token_.offset;
-    if (token_.offset < 0 || end <= 0) return;  // the data does not lie in the mapping
+    if (token_.offset < 0) return;  // the data does not lie in the mapping
+    const uint64_t end = static_cast<uint64_t>(token_.size) + static_cast<uint32_t>(token_.offset);
     const platform::ScopedHandle owner(OpenProcess(PROCESS_DUP_HANDLE, FALSE, token_.processId));
     if (!owner) return;
     if (!DuplicateHandle(owner.Get(), token_.mapping, GetCurrentProcess(), &duplicate_, 0, FALSE,
@@ -131,7 +131,7 @@ void CMappingOfKtMemoryToken::Dispose() noexcept {
         if (view_) UnmapViewOfFile(std::exchange(view_, nullptr));
         if (duplicate_ != INVALID_HANDLE_VALUE) CloseHandle(std::exchange(duplicate_, INVALID_HANDLE_VALUE));
     } else if (!failed_ && is_copy_ && pointer_) {
-        if (write_back_) {
+        if (write_back_ && token_.size > 0) {
             const platform::ScopedHandle owner(OpenProcess(kForeignMemory, FALSE, token_.processId));
             SIZE_T written = 0;
             if (owner) WriteProcessMemory(owner.Get(), AsPointer(DataAddress()), pointer_, token_.size, &written);

@@ -54,6 +54,12 @@ class KT_EXPORT CMappingOfKtMemoryToken {
     void* Pointer() noexcept;     // null when the token cannot be used
     int32_t DataSize() noexcept;  // bytes, or -1 when the token cannot be used
 
+    // For memory that was not filled to its end: what lies behind the first `bytes` does not go back to the owner, who
+    // would else find it blank.
+    void KeepFirst(uint32_t bytes) noexcept {
+        if (bytes < token_.size) token_.size = bytes;
+    }
+
   private:
     void MapView(uint32_t access) noexcept;
     void CopyIn(uint32_t access) noexcept;

@@ -34,12 +34,12 @@ void FillInfo(_ktstreaminfo* info, uint64_t length, const WAVEFORMATEX& wfx) noe
 
 uint32_t ChannelsOfMask(uint32_t mask) noexcept { return static_cast<uint32_t>(std::popcount(mask & kChannelBits)); }
 
-CReadAudioStream::CReadAudioStream(CReadFile* file, R3DClip* const* clip) noexcept : file_(file), clip_(clip) {
+CReadAudioStream::CReadAudioStream(CReadFile* file, const ClipField* clip) noexcept : file_(file), clip_(clip) {
     format_.wFormatTag = kFloatTag;
     format_.wBitsPerSample = kFloatBits;
 }
 
-CReadAudioStream* CReadAudioStream::Make(CReadFile* file, R3DClip* const* clip) noexcept {
+CReadAudioStream* CReadAudioStream::Make(CReadFile* file, const ClipField* clip) noexcept {
     auto* stream = new (std::nothrow) CReadAudioStream(file, clip);
     if (stream && !stream->lock_.IsGood()) stream->Destroy(1), stream = nullptr;
     return stream;
@@ -214,7 +214,8 @@ HRESULT CReadAudioStream::ReadBlock(uint64_t first, void* destination, int32_t c
     const auto hold = lock_.Hold();
     *read = 0;
     const R3DClip* clip = *clip_;
-    if (!clip) return E_FAIL;
+    // Without channels there is no buffer to give, and the decoder is not told of samples that it has no room for.
+    if (!clip || native_format_.nBlockAlign == 0) return E_FAIL;
     const int64_t bytes = static_cast<int64_t>(native_format_.nBlockAlign) * count;
     void* samples = nullptr;
     const HRESULT result = ReserveSamples(bytes, &samples);
@@ -233,6 +234,7 @@ HRESULT CReadAudioStream::ReadSamples(int64_t first, const _ktmemorytoken* desti
     if (!read) return E_INVALIDARG;
     *read = 0;
     if (!destination) return E_INVALIDARG;
+    if (count <= 0) return S_OK;
     // The converter counts samples of all channels in 32 bits, and the host's memory in 31.
     const int64_t room = static_cast<int32_t>(destination->size);
     if (room < 0 || static_cast<int64_t>(format_.nBlockAlign) * count > room) return E_INVALIDARG;
@@ -257,6 +259,7 @@ HRESULT CReadAudioStream::ReadSamples(int64_t first, const _ktmemorytoken* desti
         break;
     }
     *read = FAILED(result) ? 0 : total;
+    mapping.KeepFirst(static_cast<uint32_t>(*read) * native_format_.nBlockAlign);
     mapping.Dispose();
     return result;
 }

@@ -7,8 +7,8 @@
 
 #include "audio/copy_engine.h"
 #include "kernel/heap_object.h"
-#include "r3dsdk/clip_operations.h"
 #include "reader/aligned_buffer.h"
+#include "reader/clip_field.h"
 #include "reader/com_base.h"
 #include "reader/host_interfaces.h"
 
@@ -23,7 +23,7 @@ class CReadAudioStream final : public IKtReadAudioStream, public HeapObject {
   public:
     // With one reference, the file object's; null when out of memory. Neither the file nor `clip`, the address of the
     // file's clip, is counted: both outlive the stream.
-    static CReadAudioStream* Make(CReadFile* file, R3DClip* const* clip) noexcept;
+    static CReadAudioStream* Make(CReadFile* file, const ClipField* clip) noexcept;
 
     HRESULT STDMETHODCALLTYPE QueryInterface(REFIID id, void** out) override;
     ULONG STDMETHODCALLTYPE AddRef() override;
@@ -54,8 +54,11 @@ class CReadAudioStream final : public IKtReadAudioStream, public HeapObject {
     virtual HRESULT PrepareBuffers();
     virtual HRESULT Prepare();
 
+    // Keeps the stream from the decoder while the file object loads or closes the clip.
+    [[nodiscard]] platform::MutexLock Hold() noexcept { return lock_.Hold(); }
+
   private:
-    CReadAudioStream(CReadFile* file, R3DClip* const* clip) noexcept;
+    CReadAudioStream(CReadFile* file, const ClipField* clip) noexcept;
     ~CReadAudioStream() = default;
     [[nodiscard]] HRESULT ReadBlock(uint64_t first, void* destination, int32_t count, int32_t* read) noexcept;
     [[nodiscard]] HRESULT ReserveSamples(int64_t bytes, void** out) noexcept;
@@ -68,7 +71,7 @@ class CReadAudioStream final : public IKtReadAudioStream, public HeapObject {
     uint64_t sample_count_ = 0;        // per channel
     uint32_t channel_mask_ = 0;
     std::unique_ptr<AlignedBuffer> sample_buffer_;
-    R3DClip* const* clip_;
+    const ClipField* clip_;
     uint64_t max_block_bytes_ = 0;
     KTAUDIOCOPYFUNC convert_ = nullptr;
     ObjectLock lock_;

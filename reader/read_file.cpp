@@ -64,9 +64,8 @@ CReadFile::~CReadFile() {
     if (!lock_.IsGood()) return;
     const auto hold = lock_.Hold();
     ReleaseSubObjects();
-    if (!clip_) return;
-    if (clip_->handle) DestroyClip(clip_->handle);
-    delete std::exchange(clip_, nullptr);
+    const std::unique_ptr<R3DClip> clip(clip_.exchange(nullptr));
+    if (clip && clip->handle) DestroyClip(clip->handle);
 }
 
 HRESULT CReadFile::CreateSubObjects() noexcept {
@@ -129,11 +128,14 @@ HRESULT CReadFile::LoadFrom(const char* path) noexcept {
     is_open_ = false;
     if (!HasClipOperations()) return E_FAIL;
     if (!clip_) {
-        clip_ = new (std::nothrow) R3DClip;
-        if (!clip_) return E_OUTOFMEMORY;
-        clip_->handle = CreateClip();
+        auto* clip = new (std::nothrow) R3DClip;
+        if (!clip) return E_OUTOFMEMORY;
+        clip->handle = CreateClip();
+        clip_ = clip;
     }
-    is_open_ = LoadClip(clip_->handle, path) == 0;
+    const auto video = video_stream_->Hold();
+    const auto audio = audio_stream_->Hold();
+    is_open_ = LoadClip(clip_.load()->handle, path) == 0;
     return is_open_ ? S_OK : E_FAIL;
 }
 
@@ -149,11 +151,13 @@ HRESULT CReadFile::Open(uint32_t, uint32_t) {
 
 HRESULT CReadFile::Close() {
     const auto hold = lock_.Hold();
+    const auto video = video_stream_->Hold();
+    const auto audio = audio_stream_->Hold();
     HRESULT result = video_stream_->Close();
     if (FAILED(result)) return result;
     result = audio_stream_->Close();
-    if (SUCCEEDED(result) && clip_) {
-        CloseClip(clip_->handle);
+    if (const R3DClip* clip = clip_; SUCCEEDED(result) && clip) {
+        CloseClip(clip->handle);
         is_open_ = false;
     }
     return result;
@@ -181,7 +185,7 @@ HRESULT CReadFile::SetFileName(const WCHAR* path) {
 // Takes the formats and lengths of the open clip; a failure leaves them as far as they came.
 HRESULT CReadFile::Measure() noexcept {
     uint64_t largest = 0;
-    if (AudioBlockInfo(clip_->handle, &largest) == 0) {
+    if (AudioBlockInfo(clip_.load()->handle, &largest) == 0) {
         stream_count_ = 1;
         item_count_ = 2;
     } else {
@@ -213,7 +217,7 @@ HRESULT CReadFile::MeasureVideo() noexcept {
     if (FAILED(result)) return result;
     result = video_stream_->GetLength(&video_length_);
     if (FAILED(result)) return result;
-    frame_rate_ = ClipFrameRate(clip_->handle);
+    frame_rate_ = ClipFrameRate(clip_.load()->handle);
     _ktstreaminfo info = {};
     result = video_stream_->GetFormat(&info);
     if (FAILED(result)) return result;

@@ -4,7 +4,7 @@
 #include <cstdint>
 
 #include "kernel/heap_object.h"
-#include "r3dsdk/clip_operations.h"
+#include "reader/clip_field.h"
 #include "reader/com_base.h"
 #include "reader/host_interfaces.h"
 
@@ -82,7 +82,7 @@ class CReadFile final : public IKtReadFile, public IKtFileIOMediaProperties, pub
     CReadAudioStream* audio_stream_ = nullptr;
     CReadMeta* meta_ = nullptr;
     WString file_name_;
-    R3DClip* clip_ = nullptr;  // made at the first open; streams and metadata keep the address of this field
+    ClipField clip_ = nullptr;
     int32_t stream_count_ = 0;
     int32_t item_count_ = 0;
     bool is_open_ = false;

@@ -1,6 +1,7 @@
 #include "reader/read_file_class.h"
 
 #include <algorithm>
+#include <string_view>
 #include <utility>
 
 #include "kernel/files.h"
@@ -48,9 +49,11 @@ void ComposeDetails(WCHAR (&out)[Size]) noexcept {
     constexpr UINT kLatin1 = 28591;
     int32_t length = KtGetModuleFileName(Module().hInstance, out, Size);
     length += CopyText(out + length, static_cast<int32_t>(Size) - length, W("\n"));
-    WCHAR version[Size] = {};
-    MultiByteToWideChar(kLatin1, 0, SdkVersionText(), -1, version, static_cast<int>(Size) - 1);
-    CopyText(out + length, static_cast<int32_t>(Size) - length, version);
+    const std::string_view version = SdkVersionText();
+    const auto left = static_cast<int>(Size) - 1 - length;
+    const int fit = std::min(left, static_cast<int>(version.size()));
+    if (fit > 0) length += MultiByteToWideChar(kLatin1, 0, version.data(), fit, out + length, left);
+    out[length] = 0;
 }
 
 }  // namespace

@@ -150,14 +150,15 @@ HRESULT CReadFile::StreamDataRate(int32_t stream, uint32_t* out) noexcept {
 HRESULT CReadFile::VideoDataRate(uint32_t* out) noexcept {
     const platform::ScopedHandle file(::CreateFileW(file_name_.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr,
                                                     OPEN_EXISTING, FILE_ATTRIBUTE_READONLY, nullptr));
-    if (!file || !clip_) return E_FAIL;
+    const R3DClip* clip = clip_;
+    if (!file || !clip) return E_FAIL;
     DWORD high = 0;
     const DWORD low = GetFileSize(file.Get(), &high);
     const uint64_t size = (static_cast<uint64_t>(high) << 32) | low;
     // Without frames there is nothing to read, and no rate.
-    const uint64_t frames = ClipFrameCount(clip_->handle);
+    const uint64_t frames = ClipFrameCount(clip->handle);
     const uint64_t frame_size = frames ? size / frames : 0;
-    *out = CutToInteger<uint32_t>(static_cast<double>(static_cast<float>(frame_size) * ClipFrameRate(clip_->handle)));
+    *out = CutToInteger<uint32_t>(static_cast<double>(static_cast<float>(frame_size) * ClipFrameRate(clip->handle)));
     return S_OK;
 }
 

@@ -1,6 +1,8 @@
 #include "reader/read_meta.h"
 
+#include <array>
 #include <cstdlib>
+#include <limits>
 
 #include "kernel/print.h"
 #include "kernel/text_copy.h"
@@ -10,16 +12,18 @@
 namespace clipfio {
 namespace {
 
-// Reads an integer off the front of `text`; 0, and nothing consumed, when there is none.
-uint32_t TakeNumber(const char*& text) noexcept {
-    char* end = nullptr;
-    const unsigned long long value = std::strtoull(text, &end, 10);
-    text = end;
-    return static_cast<uint32_t>(value);
-}
-
-void TakeSeparator(const char*& text) noexcept {
-    if (*text) ++text;
+// Up to four numbers with one character between each two; those behind the first that cannot be read are 0.
+std::array<uint32_t, 4> TakeNumbers(const char* text) noexcept {
+    std::array<uint32_t, 4> numbers = {};
+    for (uint32_t& number : numbers) {
+        char* end = nullptr;
+        const unsigned long long value = std::strtoull(text, &end, 10);
+        if (end == text) break;
+        number = static_cast<uint32_t>(value);
+        if (!*end) break;
+        text = end + 1;
+    }
+    return numbers;
 }
 
 }  // namespace
@@ -27,15 +31,12 @@ void TakeSeparator(const char*& text) noexcept {
 HRESULT ParseTimecode(const char* text, double rate, int64_t* time) noexcept {
     *time = 0;
     if (!text) return E_INVALIDARG;
-    const uint32_t hours = TakeNumber(text);
-    TakeSeparator(text);
-    const uint32_t minutes = TakeNumber(text);
-    TakeSeparator(text);
-    const uint32_t seconds = TakeNumber(text);
-    TakeSeparator(text);
-    const uint32_t frames = TakeNumber(text);
+    const auto [hours, minutes, seconds, frames] = TakeNumbers(text);
     const int64_t whole = static_cast<int64_t>(hours) * 3600 + static_cast<int64_t>(minutes) * 60 + seconds;
-    *time = whole * kUnitsPerSecond + UnitsOf(static_cast<double>(frames), rate);
+    if (__builtin_mul_overflow(whole, kUnitsPerSecond, time) ||
+        __builtin_add_overflow(*time, UnitsOf(static_cast<double>(frames), rate), time)) {
+        *time = std::numeric_limits<int64_t>::max();
+    }
     return S_OK;
 }
 

@@ -2,22 +2,22 @@
 #pragma once
 
 #include "kernel/heap_object.h"
+#include "reader/clip_field.h"
 #include "reader/com_base.h"
 #include "reader/host_interfaces.h"
 
 namespace clipfio {
 
-struct R3DClip;
-
 // A time of hours, minutes, seconds and frames at `rate` frames per second, in units of 100 nanoseconds. Separators are
-// not looked at; what cannot be read stays 0; a rate that is not above 0 counts no frames. E_INVALIDARG and 0 for null.
+// not looked at; what cannot be read, and all behind it, stays 0; a rate that is not above 0 counts no frames; the
+// result is held within its type. E_INVALIDARG and 0 for null.
 HRESULT ParseTimecode(const char* text, double rate, int64_t* time) noexcept;
 
 // No lock of its own. IKtReadGenericMeta is implemented and not answered to.
 class CReadMeta final : public IKtReadMeta, public IKtReadGenericMeta, public HeapObject {
   public:
     // `clip` is the address of the file object's clip, which outlives this object.
-    explicit CReadMeta(R3DClip* const* clip) noexcept : clip_(clip) {}
+    explicit CReadMeta(const ClipField* clip) noexcept : clip_(clip) {}
 
     HRESULT STDMETHODCALLTYPE QueryInterface(REFIID id, void** out) override;
     ULONG STDMETHODCALLTYPE AddRef() override;
@@ -32,7 +32,7 @@ class CReadMeta final : public IKtReadMeta, public IKtReadGenericMeta, public He
 
   private:
     ReferenceCount references_{1};  // the file object's reference
-    R3DClip* const* clip_;
+    const ClipField* clip_;
 };
 
 }  // namespace clipfio

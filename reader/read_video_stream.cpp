@@ -102,10 +102,10 @@ struct CReadVideoStream::Picture {
     uint64_t hostBytes;
 };
 
-CReadVideoStream::CReadVideoStream(CReadFile* file, R3DClip* const* clip) noexcept
+CReadVideoStream::CReadVideoStream(CReadFile* file, const ClipField* clip) noexcept
     : file_(file), clip_(clip), editor_(&ProcessEditor()) {}
 
-CReadVideoStream* CReadVideoStream::Make(CReadFile* file, R3DClip* const* clip) noexcept {
+CReadVideoStream* CReadVideoStream::Make(CReadFile* file, const ClipField* clip) noexcept {
     auto* stream = new (std::nothrow) CReadVideoStream(file, clip);
     if (stream && !stream->lock_.IsGood()) stream->Destroy(1), stream = nullptr;
     return stream;
@@ -304,6 +304,7 @@ HRESULT CReadVideoStream::ReadFrame(uint64_t frame, const _ktframerequest* reque
     const FrameDelivery& delivery = BestFrameDelivery();
     (floats ? delivery.rgb16_to_floats : delivery.bgra8)(decoded, mapping.Pointer(), picture.width, picture.height);
     *bytes = static_cast<uint32_t>(picture.hostBytes);
+    mapping.KeepFirst(*bytes);
     mapping.Dispose();
     return S_OK;
 }

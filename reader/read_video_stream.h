@@ -7,8 +7,8 @@
 #include <memory>
 
 #include "kernel/heap_object.h"
-#include "r3dsdk/clip_operations.h"
 #include "reader/aligned_buffer.h"
+#include "reader/clip_field.h"
 #include "reader/com_base.h"
 #include "reader/host_interfaces.h"
 
@@ -26,7 +26,7 @@ class CReadVideoStream final : public IKtReadVideoStream, public HeapObject {
   public:
     // With one reference, the file object's; null when out of memory. Neither the file nor `clip`, the address of the
     // file's clip, is counted: both outlive the stream.
-    static CReadVideoStream* Make(CReadFile* file, R3DClip* const* clip) noexcept;
+    static CReadVideoStream* Make(CReadFile* file, const ClipField* clip) noexcept;
 
     HRESULT STDMETHODCALLTYPE QueryInterface(REFIID id, void** out) override;
     ULONG STDMETHODCALLTYPE AddRef() override;
@@ -63,6 +63,8 @@ class CReadVideoStream final : public IKtReadVideoStream, public HeapObject {
     virtual HRESULT ReadClipGeometry();
     virtual HRESULT Prepare();
 
+    // Keeps the stream from the decoder while the file object loads or closes the clip.
+    [[nodiscard]] platform::MutexLock Hold() noexcept { return lock_.Hold(); }
     // The file object tells the clip's path, so that a frame need not ask for it: the file's lock comes before the
     // stream's.
     void SetClipPath(const WCHAR* path) noexcept;
@@ -72,7 +74,7 @@ class CReadVideoStream final : public IKtReadVideoStream, public HeapObject {
   private:
     struct Picture;
 
-    CReadVideoStream(CReadFile* file, R3DClip* const* clip) noexcept;
+    CReadVideoStream(CReadFile* file, const ClipField* clip) noexcept;
     ~CReadVideoStream() = default;
     [[nodiscard]] HRESULT ReserveDecodeBuffer(const Picture& picture, void** out) noexcept;
     [[nodiscard]] HRESULT Decode(uint64_t frame, double gamma, const Picture& picture, void* output) noexcept;
@@ -80,7 +82,7 @@ class CReadVideoStream final : public IKtReadVideoStream, public HeapObject {
 
     ReferenceCount references_{1};
     CReadFile* file_;
-    R3DClip* const* clip_;
+    const ClipField* clip_;
     MediaPropertyEditor* const* editor_;
     // Written under the lock and also read without it, each by itself.
     std::atomic<uint64_t> width_ = 0;  // pixels

@@ -31,7 +31,6 @@ using platform::HandleType;
 using platform::HandleUse;
 using platform::Win32FromErrno;
 
-constexpr DWORD kAllAccess = 0x1FFFFF;
 constexpr int kFirstFree = 3;  // behind the three standard descriptors
 
 class Descriptor {
@@ -106,9 +105,9 @@ std::vector<char*> Pointers(std::vector<std::string>& arguments) {
 BOOL FillInformation(pid_t id, PROCESS_INFORMATION& information) noexcept {
     const int pidfd = static_cast<int>(syscall(SYS_pidfd_open, id, 0));
     if (pidfd < 0) return Fail(Win32FromErrno(errno));
-    information.hProcess = platform::NewProcessHandle(pidfd, static_cast<DWORD>(id), kAllAccess);
+    information.hProcess = platform::NewProcessHandle(pidfd, static_cast<DWORD>(id), platform::kAllProcessAccess, true);
     if (!information.hProcess) return FALSE;
-    information.hThread = platform::NewAliasHandle(information.hProcess, kAllAccess);
+    information.hThread = platform::NewAliasHandle(information.hProcess, platform::kAllProcessAccess);
     if (!information.hThread) {
         CloseHandle(std::exchange(information.hProcess, nullptr));
         return FALSE;
@@ -178,8 +177,8 @@ extern "C" BOOL CreatePipe(HANDLE* read, HANDLE* write, SECURITY_ATTRIBUTES* sec
     const bool inherit = security && security->bInheritHandle;
     int ends[2];
     if (pipe2(ends, inherit ? 0 : O_CLOEXEC) != 0) return Fail(Win32FromErrno(errno));
-    *read = platform::NewFileHandle(ends[0], platform::kFileReadable);
-    *write = platform::NewFileHandle(ends[1], platform::kFileWritable);
+    *read = platform::NewFileHandle(ends[0], platform::kFileReadable | platform::kFilePipe);
+    *write = platform::NewFileHandle(ends[1], platform::kFileWritable | platform::kFilePipe);
     if (*read && *write) return TRUE;
     if (*read) CloseHandle(std::exchange(*read, nullptr));
     if (*write) CloseHandle(std::exchange(*write, nullptr));

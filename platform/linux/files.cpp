@@ -120,6 +120,7 @@ HANDLE HandleOfOpened(int descriptor, DWORD access, DWORD flags) noexcept {
     std::uint32_t rights = 0;
     if (access & GENERIC_READ) rights |= platform::kFileReadable;
     if (access & GENERIC_WRITE) rights |= platform::kFileWritable;
+    if (S_ISFIFO(facts.st_mode) || S_ISSOCK(facts.st_mode)) rights |= platform::kFilePipe;
     if (S_ISREG(facts.st_mode)) {
         rights |= platform::kFileRegular;
         if (flags & FILE_FLAG_SEQUENTIAL_SCAN) posix_fadvise(descriptor, 0, 0, POSIX_FADV_SEQUENTIAL);
@@ -182,13 +183,14 @@ extern "C" BOOL ReadFile(HANDLE file, void* data, DWORD bytes, DWORD* read, OVER
     if ((use.Rights() & platform::kFileReadable) == 0) return Fail(ERROR_ACCESS_DENIED);
     if (platform::FaultHere()) return Fail(platform::ERROR_IO_DEVICE);
     const bool regular = (use.Rights() & platform::kFileRegular) != 0;
+    const bool pipe = (use.Rights() & platform::kFilePipe) != 0;
     auto* to = static_cast<unsigned char*>(data);
     while (*read < bytes) {
         const ssize_t got = ::read(use->number, to + *read, std::min(bytes - *read, kMaxTransfer));
         if (got < 0 && errno == EINTR) continue;
         if (got < 0) return Fail(Win32FromErrno(errno));
         // A pipe without writers is broken, not at an end.
-        if (got == 0) return regular ? TRUE : Fail(ERROR_BROKEN_PIPE);
+        if (got == 0) return pipe ? Fail(ERROR_BROKEN_PIPE) : TRUE;
         *read += static_cast<DWORD>(got);
         if (!regular) break;
     }
@@ -221,7 +223,8 @@ extern "C" BOOL SetFilePointerEx(HANDLE file, LARGE_INTEGER move, LARGE_INTEGER*
     static_assert(FILE_BEGIN == SEEK_SET && FILE_CURRENT == SEEK_CUR && FILE_END == SEEK_END);
     if (origin > FILE_END) return Fail(ERROR_INVALID_PARAMETER);
     const off_t at = lseek(use->number, move.QuadPart, static_cast<int>(origin));
-    if (at < 0) return Fail(errno == EINVAL ? ERROR_NEGATIVE_SEEK : Win32FromErrno(errno));
+    const bool negative = at < 0 && errno == EINVAL && move.QuadPart < 0;
+    if (at < 0) return Fail(negative ? ERROR_NEGATIVE_SEEK : Win32FromErrno(errno));
     if (position) position->QuadPart = at;
     return TRUE;
 }

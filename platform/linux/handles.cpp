@@ -73,8 +73,9 @@ bool DestroyMutex(HandleSlot& slot) noexcept {
 }
 
 void DestroyProcess(HandleSlot& slot) noexcept {
+    // Whoever made a child by other means waits for it by other means.
     siginfo_t info;
-    waitid(P_PIDFD, static_cast<id_t>(slot.number), &info, WEXITED | WNOHANG);
+    if (slot.process.is_child) waitid(P_PIDFD, static_cast<id_t>(slot.number), &info, WEXITED | WNOHANG);
     close(slot.number);
 }
 
@@ -181,7 +182,7 @@ HANDLE NewFileHandle(int descriptor, std::uint32_t flags) noexcept {
     return Publish(*slot, HandleType::kFile);
 }
 
-HANDLE NewProcessHandle(int pidfd, DWORD id, DWORD access) noexcept {
+HANDLE NewProcessHandle(int pidfd, DWORD id, DWORD access, bool is_child) noexcept {
     HandleSlot* const slot = TakeSlot();
     if (!slot) {
         close(pidfd);
@@ -189,7 +190,7 @@ HANDLE NewProcessHandle(int pidfd, DWORD id, DWORD access) noexcept {
     }
     slot->number = pidfd;
     slot->flags = access;
-    slot->process = {id, 0, 0};
+    slot->process = {id, is_child, 0, 0};
     return Publish(*slot, HandleType::kProcess);
 }
 

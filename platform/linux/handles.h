@@ -12,6 +12,8 @@ namespace platform {
 inline constexpr std::uint32_t kFileReadable = 1;
 inline constexpr std::uint32_t kFileWritable = 2;
 inline constexpr std::uint32_t kFileRegular = 4;
+inline constexpr std::uint32_t kFilePipe = 8;
+inline constexpr DWORD kAllProcessAccess = 0x1FFFFF;
 
 class HandleUse {
   public:
@@ -24,6 +26,7 @@ class HandleUse {
     explicit operator bool() const noexcept { return slot_ != nullptr; }
     // What the handle stands for, and the rights of this very handle, which an alias may have fewer of.
     HandleSlot* operator->() const noexcept { return target_; }
+    HandleSlot& operator*() const noexcept { return *target_; }
     [[nodiscard]] std::uint32_t Rights() const noexcept { return slot_->flags; }
 
   private:
@@ -36,7 +39,8 @@ bool IsTableHandle(HANDLE handle) noexcept;
 
 // Each takes over the descriptor it is given; null with the last error set, and the descriptor closed, on failure.
 HANDLE NewFileHandle(int descriptor, std::uint32_t flags) noexcept;
-HANDLE NewProcessHandle(int pidfd, DWORD id, DWORD access) noexcept;
+// A child of this process is cleared away with its last handle, if it has ended by then.
+HANDLE NewProcessHandle(int pidfd, DWORD id, DWORD access, bool is_child) noexcept;
 HANDLE NewMutexHandle() noexcept;
 // A second handle on the same mutex or process.
 HANDLE NewAliasHandle(HANDLE handle, DWORD rights) noexcept;

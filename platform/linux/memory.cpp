@@ -35,15 +35,39 @@ constexpr UINT kKnownFlags = 0x7F72;
 
 std::uint64_t CookieOf(const Header* header) noexcept { return kCookie ^ reinterpret_cast<std::uintptr_t>(header); }
 
+// Whether an address can be looked at at all is a question to the kernel, which takes long. Blocks that were made and
+// not freed since need no asking: each is noted in the one place that its address leads to, over what stood there
+// before.
+std::atomic<std::uintptr_t>& KnownPlace(const Header* header) noexcept {
+    constexpr unsigned kPlaceBits = 12;
+    static_assert(1u << kPlaceBits == platform::kKnownBlocks);
+    constexpr std::uint64_t kSpread = 0x9E3779B97F4A7C15;
+    const auto address = reinterpret_cast<std::uintptr_t>(header);
+    return platform::Shared().known_blocks[(address / sizeof(Header)) * kSpread >> (64 - kPlaceBits)];
+}
+
+bool IsKnown(const Header* header) noexcept {
+    return KnownPlace(header).load(std::memory_order_acquire) == reinterpret_cast<std::uintptr_t>(header);
+}
+
+void Note(const Header* header) noexcept {
+    KnownPlace(header).store(reinterpret_cast<std::uintptr_t>(header), std::memory_order_release);
+}
+
+void Forget(const Header* header) noexcept {
+    auto address = reinterpret_cast<std::uintptr_t>(header);
+    KnownPlace(header).compare_exchange_strong(address, 0);
+}
+
 // Foreign memory lies behind an address that is no block, so the checked builds must not look over our shoulder.
 __attribute__((no_sanitize("address", "thread"))) bool HasCookie(const Header* header) noexcept {
     return *const_cast<const volatile std::uint64_t*>(&header->cookie) == CookieOf(header);
 }
 
 Header* HeaderOfData(std::uintptr_t data) noexcept {
-    if (data < sizeof(Header) || data % sizeof(Header) != 0) return nullptr;
+    if (data <= sizeof(Header) || data % sizeof(Header) != 0) return nullptr;
     auto* const header = reinterpret_cast<Header*>(data - sizeof(Header));
-    return platform::IsReadable(header) && HasCookie(header) ? header : nullptr;
+    return (IsKnown(header) || platform::IsReadable(header)) && HasCookie(header) ? header : nullptr;
 }
 
 bool IsMoveable(const Header* header) noexcept { return (header->state.load() & kMoveable) != 0; }
@@ -72,6 +96,7 @@ extern "C" HGLOBAL GlobalAlloc(UINT flags, SIZE_T bytes) noexcept {
     auto* const header = new (memory) Header;
     header->cookie = CookieOf(header);
     header->state.store(bytes << kSizeShift | (flags & GMEM_MOVEABLE ? kMoveable : 0));
+    Note(header);
     return HandleOf(header);
 }
 
@@ -80,7 +105,9 @@ extern "C" HGLOBAL GlobalFree(HGLOBAL block) noexcept {
     if (!block) return nullptr;
     Header* const header = HeaderOfHandle(block);
     if (!header) return Fail(ERROR_INVALID_HANDLE, block);
-    header->cookie = 0;
+    Forget(header);
+    // Of two who free the same block one is told that it is none.
+    if (std::atomic_ref(header->cookie).exchange(0) != CookieOf(header)) return Fail(ERROR_INVALID_HANDLE, block);
     std::free(header);
     return nullptr;
 }

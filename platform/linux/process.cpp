@@ -24,7 +24,6 @@ using platform::HandleUse;
 using platform::Win32FromErrno;
 
 constexpr DWORD kMemoryAccess = PROCESS_VM_OPERATION | PROCESS_VM_READ | PROCESS_VM_WRITE;
-constexpr DWORD kAllAccess = 0x1FFFFF;
 
 bool HasEnded(int pidfd) noexcept {
     pollfd wait{pidfd, POLLIN, 0};
@@ -108,7 +107,7 @@ HANDLE DuplicateHere(HANDLE source, DWORD access, BOOL inherit, DWORD options) n
     if (source == GetCurrentProcess()) {
         const int pidfd = OpenPidfd(GetCurrentProcessId());
         if (pidfd < 0) return Fail<HANDLE>(Win32FromErrno(errno), nullptr);
-        return platform::NewProcessHandle(pidfd, GetCurrentProcessId(), kAllAccess);
+        return platform::NewProcessHandle(pidfd, GetCurrentProcessId(), platform::kAllProcessAccess, false);
     }
     if (platform::IsMappingHandle(source)) return platform::DuplicateMapping(source, inherit);
     HandleUse use(source, HandleType::kNone);
@@ -140,7 +139,7 @@ extern "C" HANDLE OpenProcess(DWORD access, BOOL, DWORD id) noexcept {
     }
     const bool allowed = MayUse(id, access);
     const bool ended = HasEnded(pidfd);
-    if (allowed && !ended) return platform::NewProcessHandle(pidfd, id, access);
+    if (allowed && !ended) return platform::NewProcessHandle(pidfd, id, access, false);
     close(pidfd);
     return Fail<HANDLE>(ended ? ERROR_INVALID_PARAMETER : ERROR_ACCESS_DENIED, nullptr);
 }

@@ -18,11 +18,13 @@ namespace platform {
 
 inline constexpr std::uint32_t kMaxHandles = 1u << 17;
 inline constexpr std::uint32_t kMaxResourceImages = 64;
+inline constexpr std::size_t kKnownBlocks = 4096;
 
 enum class HandleType : std::uint32_t { kNone, kFile, kMutex, kProcess };
 
 struct ProcessFacts {
     DWORD id;
+    bool is_child;            // made by CreateProcessW
     std::int32_t terminated;  // by us, with the code beside it
     DWORD exit_code;
 };
@@ -58,7 +60,8 @@ struct ProcessShared {
     std::uint32_t free_head;  // index of a free slot, 0 when there is none
     std::uint32_t slots_used;
     ResourceImage images[kMaxResourceImages];
-    HandleSlot slots[kMaxHandles];  // slot 0 is never used
+    std::atomic<std::uintptr_t> known_blocks[kKnownBlocks];  // of the global heap; see memory.cpp
+    HandleSlot slots[kMaxHandles];                           // slot 0 is never used
 };
 
 namespace detail {

@@ -112,7 +112,7 @@ extern "C" HANDLE CreateMutexW(SECURITY_ATTRIBUTES*, BOOL owned, const WCHAR* na
 extern "C" BOOL ReleaseMutex(HANDLE mutex) noexcept {
     HandleUse use(mutex, HandleType::kMutex);
     if (!use) return Fail(ERROR_INVALID_HANDLE);
-    HandleSlot& slot = *use.operator->();
+    HandleSlot& slot = *use;
     if (HolderOf(slot) != ThreadId()) return Fail(ERROR_NOT_OWNER);
     if (--slot.flags == 0) std::atomic_ref(slot.number).store(0, std::memory_order_relaxed);
     return pthread_mutex_unlock(&slot.mutex) == 0 ? TRUE : Fail(ERROR_NOT_OWNER);
@@ -123,9 +123,9 @@ extern "C" DWORD WaitForSingleObject(HANDLE handle, DWORD milliseconds) noexcept
     if (!use) return Fail(ERROR_INVALID_HANDLE, WAIT_FAILED);
     switch (use->type) {
         case HandleType::kMutex:
-            return WaitForMutex(*use.operator->(), milliseconds);
+            return WaitForMutex(*use, milliseconds);
         case HandleType::kProcess:
-            return WaitForProcess(*use.operator->(), milliseconds);
+            return WaitForProcess(*use, milliseconds);
         default:
             return Fail(ERROR_INVALID_HANDLE, WAIT_FAILED);
     }

@@ -7,6 +7,7 @@
 #include "r3dsdk/sdk_import_list.h"
 #include "r3dsdk/sdk_key_values.h"
 #include "r3dsdk/sdk_loader.h"
+#include "support/failing_new.h"
 #include "tests/r3dsdk/candidate_scene.h"
 
 namespace clipfio {
@@ -48,6 +49,13 @@ class SdkEmbedded : public CandidateScene {
 
 TEST_F(SdkEmbedded, BindsWhatTheOtherClientLoaded) {
     const std::vector<HMODULE> handles = {Open("streamless"), Open("twin")};
+    {
+        values.SetValue(kSdkKeyLogLevel, 0);
+        FailingNew fail(0);
+        EXPECT_EQ(SdkInitializeEmbedded(0, &values, nullptr, 0), 0);
+        EXPECT_FALSE(fail.Hit()) << "there may be no heap yet";
+        values.SetValue(kSdkKeyLogLevel, 255);
+    }
     EXPECT_EQ(Embed(0, {}), 0);
     EXPECT_EQ(log, "[INIT INT0 ]\n[OK INT0   ]\n");
     EXPECT_FALSE(HasClipOperations());

@@ -35,6 +35,7 @@ TEST_F(SdkStart, WhatALibraryIsTold) {
         for (const auto& [key, text] : texts) EXPECT_STREQ(static_cast<const char*>(values->GetPointer(key)), text);
         const char* const path = static_cast<const char*>(values->GetPointer(31));
         ASSERT_NE(path, nullptr);
+        EXPECT_STRNE(path, "");
         if (first_path.empty()) first_path = path;
         EXPECT_EQ(first_path, path);
     };

@@ -75,7 +75,8 @@ extern "C" BOOL WriteProcessMemory(HANDLE process, void* address, const void* da
 
 // Starts a program without searching for it. The child's standard handles become its descriptors 0 to 2; of the handles
 // that it may inherit, only mappings keep their value. Flags, an environment and thread rights are not served, and the
-// thread handle stands for the process. The exit code has 8 bits.
+// thread handle stands for the process. The exit code has 8 bits. A child whose last handle is closed before it ends
+// is not cleared away until this process ends.
 extern "C" BOOL CreateProcessW(const WCHAR* application, WCHAR* command_line, SECURITY_ATTRIBUTES* process_security,
                                SECURITY_ATTRIBUTES* thread_security, BOOL inherit, DWORD flags, void* environment,
                                const WCHAR* folder, STARTUPINFOW* startup, PROCESS_INFORMATION* information) noexcept;

@@ -1,0 +1,158 @@
+// One frame of 3840 by 2160 pixels into the host's memory, over a decoder that costs nothing, against its bound: the
+// faster of memcpy and a copy with streaming stores that reads and writes as many bytes in all. Frame and bound are
+// timed in turn, so that other work of the machine meets both alike; medians count.
+#include <benchmark/benchmark.h>
+#include <emmintrin.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <map>
+#include <memory>
+#include <vector>
+
+#include "bench/summary.h"
+#include "platform/modules.h"
+#include "platform/scoped.h"
+#include "platform/text.h"
+#include "reader/plugin_module.h"
+#include "reader/read_file_class.h"
+#include "tests/reader/fake_decoder.h"
+
+namespace clipfio {
+namespace {
+
+using platform::ComPtr;
+
+constexpr uint64_t kWidth = 3840;
+constexpr uint64_t kHeight = 2160;
+
+struct Free {
+    void operator()(uint8_t* p) const { std::free(p); }
+};
+using Buffer = std::unique_ptr<uint8_t, Free>;
+
+// Written to once, so that each page is there.
+Buffer MakeBuffer(size_t bytes) {
+    Buffer buffer(static_cast<uint8_t*>(std::aligned_alloc(4096, bytes)));
+    if (!buffer) std::abort();
+    std::memset(buffer.get(), 1, bytes);
+    return buffer;
+}
+
+class Scene {
+  public:
+    Scene() {
+        SetEnvironmentVariableW(W("R3DSDKPATH"), platform::Wide(CLIPFIO_BENCH_DECODER).c_str());
+        const HMODULE library = LoadLibraryW(platform::Wide(CLIPFIO_BENCH_DECODER "/REDR3D-x64.dll").c_str());
+        const auto state = reinterpret_cast<decltype(&FakeDecoderState)>(
+            reinterpret_cast<void*>(GetProcAddress(library, "FakeDecoderState")));
+        fake_decoder::Script& script = state()->script;
+        script.remembers = false;
+        script.clip.width = kWidth;
+        script.clip.height = kHeight;
+        if (!AttachProcess(nullptr)) std::abort();
+        file_class_ = ComPtr<IKtReadFileClass>(new (std::nothrow) CReadFileClass);
+        if (file_class_->CreateNamed(file_.Out(), 0, 0, W("/no such folder/clip.r3d"), 1) != S_OK) std::abort();
+        if (file_->GetStream(video_.OutVoid(), 0, 0) != S_OK) std::abort();
+        Read(128);  // makes the decode buffer, and each page of it
+        script.writes_pictures = false;
+    }
+    ~Scene() {
+        video_.Reset();
+        file_.Reset();
+        DetachProcess();
+    }
+
+    void Read(uint32_t bits) {
+        _ktframerequest request = {};
+        request.bitsPerPixel = bits;
+        request.quality = 4;
+        request.scale = 1.0;
+        _ktmemorytoken token = {};
+        token.address = reinterpret_cast<uintptr_t>(host_.get());
+        token.size = kWidth * kHeight * 16;
+        token.processId = GetCurrentProcessId();
+        _ktframeinfo info;
+        uint32_t bytes = 0;
+        if (video_->ReadFrame(0, &request, &token, &info, &bytes) != S_OK) std::abort();
+    }
+    uint8_t* Host() const { return host_.get(); }
+    const uint8_t* Other() const { return other_.get(); }
+
+  private:
+    Buffer host_ = MakeBuffer(kWidth * kHeight * 16);
+    Buffer other_ = MakeBuffer(kWidth * kHeight * 16);
+    ComPtr<IKtReadFileClass> file_class_;
+    ComPtr<IKtReadFile> file_;
+    ComPtr<IKtReadVideoStream> video_;
+};
+
+void StreamCopy(uint8_t* to, const uint8_t* from, size_t bytes) {
+    for (size_t i = 0; i + 64 <= bytes; i += 64) {
+        for (size_t j = 0; j < 64; j += 16) {
+            _mm_stream_si128(reinterpret_cast<__m128i*>(to + i + j),
+                             _mm_loadu_si128(reinterpret_cast<const __m128i*>(from + i + j)));
+        }
+    }
+    _mm_sfence();
+}
+
+template <class Action>
+double Seconds(Action&& action) {
+    const auto start = std::chrono::steady_clock::now();
+    action();
+    benchmark::ClobberMemory();
+    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+}
+
+double Median(std::vector<double> times) {
+    const auto middle = times.begin() + static_cast<std::ptrdiff_t>(times.size() / 2);
+    std::nth_element(times.begin(), middle, times.end());
+    return *middle;
+}
+
+std::map<uint32_t, double>& Ratios() {
+    static std::map<uint32_t, double> ratios;
+    return ratios;
+}
+
+void ReadFrame(benchmark::State& state) {
+    static Scene scene;
+    const auto bits = static_cast<uint32_t>(state.range(0));
+    const size_t decoded = kWidth * kHeight * (bits == 128 ? 6 : 4);
+    const size_t half = (decoded + kWidth * kHeight * bits / 8) / 2;
+    std::vector<double> frames, copies, streams;
+    for (auto _ : state) {
+        frames.push_back(Seconds([&] { scene.Read(bits); }));
+        copies.push_back(Seconds([&] { std::memcpy(scene.Host(), scene.Other(), half); }));
+        streams.push_back(Seconds([&] { StreamCopy(scene.Host(), scene.Other(), half); }));
+        state.SetIterationTime(frames.back());
+    }
+    Ratios()[bits] = Median(frames) / std::min(Median(copies), Median(streams));
+    state.counters["ratio"] = Ratios()[bits];
+    state.SetBytesProcessed(static_cast<int64_t>(2 * half) * state.iterations());
+}
+BENCHMARK(ReadFrame)
+    ->Name("reader/read_frame")
+    ->Arg(32)
+    ->Arg(128)
+    ->Iterations(61)
+    ->UseManualTime()
+    ->Unit(benchmark::kMillisecond);
+
+void PrintGoals() {
+    const std::map<uint32_t, double> goals = {{32, 1.15}, {128, 1.2}};
+    for (const auto& [bits, ratio] : Ratios()) {
+        const double goal = goals.at(bits);
+        std::printf("reader: a %u-bit frame takes %.3f of its bound; goal %.2f: %s\n", bits, ratio, goal,
+                    ratio <= goal ? "met" : "MISSED");
+    }
+}
+
+[[maybe_unused]] const bool g_added = bench::AddSummary(PrintGoals);
+
+}  // namespace
+}  // namespace clipfio

@@ -1,0 +1,106 @@
+#include "host/arguments.h"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <iostream>
+#include <set>
+
+#include "host/failure.h"
+#include "host/numbers.h"
+
+namespace clipfio::host {
+
+struct CommandLine::Parser {
+    CLI::App app;
+    std::function<int()> run;
+};
+
+namespace {
+
+CLI::App& App(void* parser) { return *static_cast<CLI::App*>(parser); }
+
+}  // namespace
+
+void Arguments::Text(const char* name, std::string& value, const char* help, const char* type, Need need) {
+    CLI::Option* option = App(parser_).add_option(name, value, help)->type_name(type)->required(need == kRequired);
+    if (!value.empty()) option->capture_default_str();
+}
+
+void Arguments::Texts(const char* name, std::vector<std::string>& values, const char* help, const char* type) {
+    CLI::Option* option = App(parser_).add_option(name, values, help)->type_name(type);
+    if (name[0] == '-') option->allow_extra_args(false);
+}
+
+void Arguments::Number(const char* name, uint32_t& value, uint32_t lowest, uint32_t highest, const char* help,
+                       const char* type) {
+    CLI::Option* option =
+        App(parser_).add_option(name, value, help)->check(CLI::Range(lowest, highest))->type_name(type);
+    if (value >= lowest) option->capture_default_str();
+}
+
+void Arguments::Choice(const char* name, uint32_t& value, std::initializer_list<uint32_t> choices, const char* help) {
+    App(parser_)
+        .add_option(name, value, help)
+        ->check(CLI::IsMember(std::set<uint32_t>(choices)))
+        ->capture_default_str();
+}
+
+void Arguments::Real(const char* name, double& value, double lowest, Bound bound, double highest, const char* help,
+                     const char* type) {
+    // Not CLI::Range, which lets through what is not a number.
+    const auto check = [=](const std::string& text) {
+        const auto number = ReadNumber<double>(text);
+        if (number && *number <= highest && (bound == kIncluded ? *number >= lowest : *number > lowest)) {
+            return std::string();
+        }
+        return "'" + text + "' is not " + (bound == kIncluded ? "from " : "above ") + NumberText(lowest) + " up to " +
+               NumberText(highest);
+    };
+    CLI::Option* option = App(parser_).add_option(name, value, help)->check(check, "")->type_name(type);
+    if (check(NumberText(value)).empty()) option->capture_default_str();
+}
+
+void Arguments::Flag(const char* name, bool& value, const char* help) { App(parser_).add_flag(name, value, help); }
+
+void Arguments::Footer(const char* text) { App(parser_).footer(text); }
+
+CommandLine::CommandLine(const char* program, const char* text, const char* version)
+    : parser_(std::make_unique<Parser>()) {
+    CLI::App& app = parser_->app;
+    app.description(text);
+    app.name(program);
+    app.set_version_flag("--version", version);
+    app.require_subcommand(1);
+    app.fallthrough();
+    app.footer("Exit status: 0 done, 1 something failed, 2 the command line makes no sense.");
+}
+
+CommandLine::~CommandLine() = default;
+
+Arguments CommandLine::Common() { return Arguments(&parser_->app); }
+
+Arguments CommandLine::Add(const char* command, const char* text, std::function<int()> run) {
+    CLI::App* app = parser_->app.add_subcommand(command, text);
+    app->callback([parser = parser_.get(), run = std::move(run)] { parser->run = run; });
+    return Arguments(app);
+}
+
+int CommandLine::Run(std::vector<std::string> args) {
+    std::reverse(args.begin(), args.end());
+    try {
+        parser_->app.parse(std::move(args));
+    } catch (const CLI::Success& wanted) {
+        parser_->app.exit(wanted, std::cout, std::cerr);
+        std::cout.flush();
+        return kExitDone;
+    } catch (const CLI::ParseError& error) {
+        const std::vector<std::string> unknown = parser_->app.remaining();
+        if (parser_->app.get_subcommands().empty() && !unknown.empty() && unknown[0][0] != '-') {
+            throw UsageError("there is no command '" + unknown[0] + "'");
+        }
+        throw UsageError(error.what());
+    }
+    return parser_->run();
+}
+
+}  // namespace clipfio::host

@@ -1,0 +1,153 @@
+"""What the tests of the command line share: the program, a folder of its own, sample clips, readers of its files."""
+
+import json
+import os
+import shutil
+import struct
+import subprocess
+import tempfile
+import unittest
+import zlib
+
+PROGRAM = os.environ["CLIPFIO"]
+BIN = os.path.dirname(PROGRAM)
+TIMEOUT = 120
+
+
+class Result:
+    def __init__(self, done):
+        self.status = done.returncode
+        self.raw = done.stdout
+        self.out = done.stdout.decode("utf-8", "replace")
+        self.err = done.stderr.decode("utf-8", "replace")
+
+    @property
+    def json(self):
+        return json.loads(self.out)
+
+
+def environment(**changes):
+    """The test run's environment; None takes a variable away."""
+    env = {**os.environ, **changes}
+    return {name: value for name, value in env.items() if value is not None}
+
+
+class CommandTest(unittest.TestCase):
+    """Each test works in an empty folder of its own."""
+
+    def setUp(self):
+        self.folder = tempfile.mkdtemp(prefix="clipfio-test-")
+        self.addCleanup(shutil.rmtree, self.folder, ignore_errors=True)
+        self.env = environment(KT_REGISTRY=os.path.join(self.folder, ".registry"))
+
+    def clipfio(self, *args, stdin=b"", env=None, expect=0):
+        done = subprocess.run([PROGRAM, *map(str, args)], input=stdin, capture_output=True, cwd=self.folder,
+                              env=env or self.env, timeout=TIMEOUT, check=False)
+        result = Result(done)
+        if expect is not None:
+            self.assertEqual(result.status, expect, f"{args}\n{result.err}")
+        if expect == 0:
+            self.assertNotIn("runtime error", result.err)
+        return result
+
+    def path(self, name):
+        return os.path.join(self.folder, name)
+
+    def write(self, name, data):
+        with open(self.path(name), "wb") as file:
+            file.write(data)
+        return name
+
+    def read(self, name):
+        with open(self.path(name), "rb") as file:
+            return file.read()
+
+    def names(self, folder=""):
+        return sorted(name for name in os.listdir(self.path(folder)) if name != ".registry")
+
+    def sample(self, name="a.r3d", *args):
+        self.clipfio("make-sample", name, *(args or ("--size", "96x64", "--frames", "12")))
+        return name
+
+    def cut(self, source, name, size):
+        """A clip that was cut short: the first `size` bytes, from the end when that is negative."""
+        return self.write(name, self.read(source)[:size])
+
+
+def read_png(data):
+    """(width, height, bits, chunk names, rows of samples); samples of all channels in one list a row."""
+    assert data[:8] == b"\x89PNG\r\n\x1a\n", "no PNG"
+    at, names, packed, header = 8, [], b"", None
+    while at < len(data):
+        size, name = struct.unpack_from(">I4s", data, at)
+        body = data[at + 8:at + 8 + size]
+        assert struct.unpack_from(">I", data, at + 8 + size)[0] == zlib.crc32(name + body), "bad checksum"
+        names.append(name.decode())
+        header = struct.unpack(">IIBBBBB", body) if name == b"IHDR" else header
+        packed += body if name == b"IDAT" else b""
+        at += size + 12
+    assert names[0] == "IHDR" and names[-1] == "IEND"
+    width, height, bits, colour, _, _, interlace = header
+    assert colour == 2 and interlace == 0
+    return width, height, bits, names, unfilter(zlib.decompress(packed), width, height, bits)
+
+
+def unfilter(raw, width, height, bits):
+    pixel = 3 * bits // 8
+    stride = width * pixel
+    assert len(raw) == (stride + 1) * height
+    above, rows = bytes(stride), []
+    for y in range(height):
+        kind, line = raw[y * (stride + 1)], bytearray(raw[y * (stride + 1) + 1:(y + 1) * (stride + 1)])
+        for x in range(stride):
+            left = line[x - pixel] if x >= pixel else 0
+            corner = above[x - pixel] if x >= pixel else 0
+            line[x] = (line[x] + predict(kind, left, above[x], corner)) & 0xFF
+        above = bytes(line)
+        rows.append(list(struct.unpack(f">{width * 3}H", above)) if bits == 16 else list(above))
+    return rows
+
+
+def predict(kind, left, up, corner):
+    if kind == 4:
+        guess = left + up - corner
+        return min((left, up, corner), key=lambda value: abs(guess - value))
+    return (0, left, up, (left + up) // 2)[kind]
+
+
+def read_pfm(data):
+    """(width, height, rows of floats from the top)."""
+    kind, size, scale, body = data.split(b"\n", 3)
+    assert kind == b"PF" and float(scale) < 0
+    width, height = map(int, size.split())
+    floats = struct.unpack(f"<{width * height * 3}f", body)
+    rows = [floats[y * width * 3:(y + 1) * width * 3] for y in range(height)]
+    return width, height, rows[::-1]
+
+
+def read_wav(data):
+    """(rate, channels, mask, floats) of a file of 32-bit floats."""
+    assert data[:4] == b"RIFF" and data[8:12] == b"WAVE"
+    assert struct.unpack_from("<I", data, 4)[0] == len(data) - 8
+    at, chunks = 12, {}
+    while at < len(data):
+        name, size = struct.unpack_from("<4sI", data, at)
+        chunks[name] = data[at + 8:at + 8 + size]
+        assert len(chunks[name]) == size
+        at += 8 + size + (size & 1)
+    tag, channels, rate, bytes_per_second, block, bits, _, valid, mask = struct.unpack_from("<HHIIHHHHI",
+                                                                                           chunks[b"fmt "])
+    assert (tag, bits, valid) == (0xFFFE, 32, 32) and chunks[b"fmt "][24:26] == b"\x03\x00"
+    assert block == 4 * channels and bytes_per_second == rate * block
+    floats = struct.unpack(f"<{len(chunks[b'data']) // 4}f", chunks[b"data"])
+    assert struct.unpack("<I", chunks[b"fact"])[0] * channels == len(floats)
+    return rate, channels, mask, floats
+
+
+def make_wav(rate, channels, samples, bits=32):
+    """A plain PCM file; `samples` are interleaved integers."""
+    width = bits // 8
+    data = b"".join(sample.to_bytes(width, "little", signed=True) for sample in samples)
+    fmt = struct.pack("<HHIIHH", 1, channels, rate, rate * channels * width, channels * width, bits)
+    body = b"WAVE" + b"fmt " + struct.pack("<I", len(fmt)) + fmt + b"data" + struct.pack("<I", len(data)) + data
+    return b"RIFF" + struct.pack("<I", len(body)) + body

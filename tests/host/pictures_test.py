@@ -1,0 +1,195 @@
+"""Frames: as files, exported, piped, on a contact sheet."""
+
+import os
+import signal
+import subprocess
+import time
+import unittest
+
+from harness import PROGRAM, TIMEOUT, CommandTest, read_pfm, read_png
+
+HEADER = 512
+
+
+class Pictures(CommandTest):
+    def png(self, name):
+        return read_png(self.read(name))
+
+    def pipe(self, *args):
+        return self.clipfio("pipe", *args).raw
+
+    def test_sizes(self):
+        self.sample("a.r3d", "--size", "98x66", "--frames", "2")
+        for scale, size in [("1", (98, 66)), ("0.5", (49, 33)), ("0.3", (49, 33)), ("0.25", (24, 16)),
+                            ("0.125", (12, 8)), ("0.0625", (6, 4))]:
+            with self.subTest(scale):
+                result = self.clipfio("frame", "a.r3d", "1", "--scale", scale, "-o", "f.png")
+                self.assertEqual(result.out, "")
+                self.assertEqual(self.png("f.png")[:3], (*size, 8))
+
+    def test_too_small_a_clip_for_the_scale(self):
+        self.sample("a.r3d", "--size", "8x8", "--frames", "1")
+        self.assertIn("nothing is left", self.clipfio("frame", "a.r3d", "0", "--scale", "0.0625", expect=1).err)
+        self.assertEqual(self.names(), ["a.r3d"])
+
+    def test_png_and_pipe_show_the_same_pixels_top_first(self):
+        self.sample()
+        self.clipfio("frame", "a.r3d", "3", "-o", "f.png")
+        width, height, _, _, rows = self.png("f.png")
+        raw = self.pipe("a.r3d", "--from", "3", "--to", "3")
+        self.assertEqual(len(raw), width * height * 4)
+        piped = [[raw[(y * width + x) * 4 + c] for x in range(width) for c in (2, 1, 0)] for y in range(height)]
+        self.assertEqual(rows, piped)
+        # The test picture has its bars above and its fine checks below: the rows are not upside down.
+        self.assertGreater(len({tuple(rows[height - 4][x:x + 3]) for x in range(0, width * 3, 3)}), 2)
+        self.assertEqual(rows[0], rows[1])
+
+    def test_float_frames(self):
+        self.sample()
+        for gamma in ("0", "1"):
+            self.clipfio("frame", "a.r3d", "0", "--bits", "128", "--gamma", gamma, "-o", "f.pfm")
+            self.clipfio("frame", "a.r3d", "0", "--bits", "128", "--gamma", gamma, "-o", "f.png")
+            width, height, floats = read_pfm(self.read("f.pfm"))
+            png_width, png_height, bits, chunks, rows = self.png("f.png")
+            self.assertEqual((width, height, bits), (png_width, png_height, 16))
+            self.assertEqual("gAMA" in chunks, gamma == "1")
+            for of_floats, of_png in zip(floats, rows):
+                self.assertEqual([round(value * 65535) for value in of_floats], of_png)
+        # In the gamma of a display the floats are those of the 8-bit frame; linear ones are darker.
+        self.clipfio("frame", "a.r3d", "0", "--bits", "128", "--gamma", "2.2222", "-o", "f.pfm")
+        self.clipfio("frame", "a.r3d", "0", "-o", "f8.png")
+        display = sum(map(sum, read_pfm(self.read("f.pfm"))[2]))
+        eight = sum(map(sum, self.png("f8.png")[4])) / 255
+        linear = sum(map(sum, floats))
+        self.assertAlmostEqual(display / eight, 1, delta=0.01)
+        self.assertLess(linear, 0.9 * display)
+
+    def test_output_names(self):
+        self.sample()
+        self.clipfio("frame", "a.r3d", "2")
+        self.clipfio("frame", "a.r3d", "2", "--bits", "128")
+        self.assertEqual(self.names(), ["a-2.pfm", "a-2.png", "a.r3d"])
+
+    def test_frames_that_are_not_there(self):
+        self.sample()
+        self.cut("a.r3d", "cut.r3d", HEADER + 10 * 96 * 64 * 6)
+        for args, message in [(("frame", "a.r3d", "12"), "frames 0 to 11"),
+                              (("pipe", "a.r3d", "--to", "12"), "no frame 12"),
+                              (("export", "a.r3d", "d", "--from", "20"), "no frame 20"),
+                              (("frame", "cut.r3d", "11", "-o", "x.png"), "damaged or cut short"),
+                              (("sheet", "cut.r3d", "-o", "x.png"), "damaged or cut short")]:
+            with self.subTest(args):
+                self.assertIn(message, self.clipfio(*args, expect=1).err)
+        self.assertIn("lies behind", self.clipfio("pipe", "a.r3d", "--from", "5", "--to", "4", expect=2).err)
+        self.assertEqual(self.names(), ["a.r3d", "cut.r3d"])
+
+    def test_outputs_that_cannot_be_written(self):
+        self.sample()
+        os.mkdir(self.path("folder"))
+        for output, message in [("gone/f.png", "gone/f.png"), ("folder", "it is a folder"), ("a.r3d/f.png", "a.r3d/f.png")]:
+            for command in [("frame", "a.r3d", "0"), ("sheet", "a.r3d"), ("waveform", "a.r3d"), ("audio", "a.r3d")]:
+                with self.subTest((command, output)):
+                    result = self.clipfio(*command, "-o", output, expect=1)
+                    self.assertIn("cannot write", result.err)
+                    self.assertIn(message, result.err)
+        self.assertIn("cannot make the folder", self.clipfio("export", "a.r3d", "a.r3d/x", expect=1).err)
+        self.assertEqual(self.names() + self.names("folder"), ["a.r3d", "folder"])
+
+    def test_an_output_that_fails_leaves_the_older_file(self):
+        self.sample()
+        self.cut("a.r3d", "cut.r3d", HEADER + 10 * 96 * 64 * 6)
+        self.write("f.png", b"older")
+        self.clipfio("frame", "cut.r3d", "11", "-o", "f.png", expect=1)
+        self.clipfio("frame", "a.r3d", "99", "-o", "f.png", expect=1)
+        self.assertEqual(self.read("f.png"), b"older")
+        os.symlink("f.png", self.path("link.png"))
+        self.clipfio("frame", "a.r3d", "0", "-o", "link.png")
+        self.assertTrue(os.path.islink(self.path("link.png")))
+        self.assertEqual(self.png("f.png")[:2], (96, 64))
+        self.clipfio("frame", "a.r3d", "0", "-o", "/dev/null")
+        self.assertFalse(os.path.isfile("/dev/null"))
+
+    def test_export(self):
+        self.sample()
+        result = self.clipfio("export", "a.r3d", "deep/one", "--from", "2", "--to", "9", "--jobs", "1")
+        self.assertEqual(result.out, "")
+        self.assertEqual(self.names("deep/one"), [f"{n:06}.png" for n in range(2, 10)])
+        self.clipfio("export", "a.r3d", "many", "--jobs", "4")
+        self.assertEqual(self.names("many"), [f"{n:06}.png" for n in range(12)])
+        for n in (2, 5, 9):
+            self.assertEqual(self.read(f"deep/one/{n:06}.png"), self.read(f"many/{n:06}.png"))
+        self.assertNotEqual(self.read("many/000002.png"), self.read("many/000003.png"))
+        self.clipfio("frame", "a.r3d", "5", "-o", "five.png")
+        self.assertEqual(self.read("five.png"), self.read("many/000005.png"))
+
+    def test_export_of_a_clip_that_was_cut(self):
+        self.sample()
+        self.cut("a.r3d", "cut.r3d", HEADER + 8 * 96 * 64 * 6)
+        self.assertIn("cannot be decoded", self.clipfio("export", "cut.r3d", "d", "--jobs", "2", expect=1).err)
+        for name in self.names("d"):
+            self.assertEqual(self.png(os.path.join("d", name))[:2], (96, 64))
+
+    def test_interrupt_leaves_whole_files(self):
+        self.sample("a.r3d", "--size", "640x360", "--frames", "120", "--channels", "0")
+        os.mkdir(self.path("d"))
+        with subprocess.Popen([PROGRAM, "export", "a.r3d", "d", "--jobs", "2"], stderr=subprocess.PIPE, cwd=self.folder,
+                              env=self.env) as process:
+            deadline = time.monotonic() + TIMEOUT
+            while len(self.names("d")) < 3 and time.monotonic() < deadline and process.poll() is None:
+                time.sleep(0.002)
+            process.send_signal(signal.SIGINT)
+            error = process.stderr.read().decode()
+            self.assertEqual(process.wait(TIMEOUT), 1, error)
+        self.assertIn("stopped", error)
+        names = self.names("d")
+        self.assertTrue(3 <= len(names) < 120, names)
+        self.assertTrue(all(name.endswith(".png") and not name.startswith(".") for name in names), names)
+        for name in (names[0], names[-1]):
+            self.assertEqual(self.png(os.path.join("d", name))[:2], (640, 360))
+
+    def test_pipe(self):
+        self.sample("a.r3d", "--size", "96x64", "--frames", "12", "--rate", "23.976")
+        result = self.clipfio("pipe", "a.r3d", "--scale", "0.5")
+        self.assertEqual(len(result.raw), 12 * 48 * 32 * 4)
+        self.assertIn("-f rawvideo -pix_fmt bgra -s 48x32 -r 24000/1001 -i -", result.err)
+        self.assertEqual(self.pipe("a.r3d", "--from", "11"), self.pipe("a.r3d")[-96 * 64 * 4:])
+
+    def test_pipe_whose_reader_goes_away(self):
+        self.sample("a.r3d", "--size", "320x180", "--frames", "24")
+        with subprocess.Popen([PROGRAM, "pipe", "a.r3d"], stdout=subprocess.PIPE, stderr=subprocess.PIPE,
+                              cwd=self.folder, env=self.env) as process:
+            process.stdout.read(1000)
+            process.stdout.close()
+            error = process.stderr.read().decode()
+            self.assertEqual(process.wait(TIMEOUT), 0)
+        self.assertEqual(len(error.splitlines()), 1, error)
+
+    def test_bar_on_a_terminal(self):
+        self.sample()
+        terminal, screen = os.openpty()
+        done = subprocess.run([PROGRAM, "export", "a.r3d", "d"], stderr=screen, stdout=subprocess.PIPE, cwd=self.folder,
+                              env=self.env, timeout=TIMEOUT, check=False)
+        os.close(screen)
+        shown = os.read(terminal, 100000).decode()
+        os.close(terminal)
+        self.assertEqual((done.returncode, done.stdout), (0, b""))
+        self.assertIn("\rexport [", shown)
+        self.assertIn("100%", shown)
+        self.assertIn("12 of 12 frames", shown.split("\033[K")[-1])
+
+    def test_sheet(self):
+        self.sample()
+        cell = (64 + 8, 42 + 22 + 8)
+        for frames, columns, rows in [("1", 1, 1), ("5", 3, 2), ("12", 4, 3), ("400", 4, 3)]:
+            with self.subTest(frames):
+                self.clipfio("sheet", "a.r3d", "-o", "s.png", "--frames", frames, "--width", "64")
+                self.assertEqual(self.png("s.png")[:3], (columns * cell[0] + 8, rows * cell[1] + 8, 8))
+        # Another look gives another sheet.
+        before = self.read("s.png")
+        self.clipfio("settings", "a.r3d", "--set", "Saturation=0")
+        self.clipfio("sheet", "a.r3d", "-o", "s.png", "--frames", "400", "--width", "64")
+        self.assertNotEqual(self.read("s.png"), before)
+
+
+if __name__ == "__main__":
+    unittest.main()

@@ -1,0 +1,166 @@
+#include "platform/resources.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+
+#include "platform/endian.h"
+#include "platform/linux/resources.h"
+#include "support/scoped_variable.h"
+
+namespace {
+
+constexpr WORD kString = 6;
+constexpr WORD kData = 10;
+
+void Put16(std::string& out, WORD value) { out.append(reinterpret_cast<const char*>(&value), sizeof value); }
+void Put32(std::string& out, std::uint32_t value) { out.append(reinterpret_cast<const char*>(&value), sizeof value); }
+void Align(std::string& out) { out.resize((out.size() + 3) & ~std::size_t{3}); }
+
+void PutId(std::string& out, const WString& id) {
+    if (id.size() == 2 && id[0] == 0xFFFF) {
+        Put16(out, id[0]);
+        Put16(out, id[1]);
+        return;
+    }
+    for (const WCHAR c : id) Put16(out, static_cast<WORD>(c));
+    Put16(out, 0);
+}
+
+WString Number(WORD id) { return WString{0xFFFF, id}; }
+
+// One entry as the resource compiler writes it.
+std::string MakeEntry(const WString& type, const WString& name, WORD language, const std::string& data) {
+    std::string ids;
+    PutId(ids, type);
+    PutId(ids, name);
+    Align(ids);
+    std::string out;
+    Put32(out, static_cast<std::uint32_t>(data.size()));
+    Put32(out, static_cast<std::uint32_t>(8 + ids.size() + 16));
+    out += ids;
+    Put32(out, 0);
+    Put16(out, 0x1030);
+    Put16(out, language);
+    Put32(out, 0);
+    Put32(out, 0);
+    out += data;
+    Align(out);
+    return out;
+}
+
+std::string MakeImage() {
+    return MakeEntry(Number(0), Number(0), 0, "") + MakeEntry(Number(kString), Number(7), 0x0409, "english") +
+           MakeEntry(Number(kString), Number(7), 0x0407, "deutsch") +
+           MakeEntry(Number(kString), Number(7), 0x000C, "francais") +
+           MakeEntry(Number(kString), Number(8), 0x0411, "nihongo") +
+           MakeEntry(Number(kString), Number(9), 0, "neutral") +
+           MakeEntry(Number(kData), W("PICTURE"), 0x0409, std::string(1000, 'p')) +
+           MakeEntry(W("CUSTOM"), Number(1), 0x0809, "x") + MakeEntry(W("CUSTOM"), W("EMPTY"), 0x0409, "");
+}
+
+// No module of this process: the program's own resources stay as they are.
+const HMODULE kModule = reinterpret_cast<HMODULE>(uintptr_t{0x1000});
+
+class Resources : public testing::Test {
+  protected:
+    ~Resources() override { platform::UnregisterResources(kModule); }
+
+    static std::string Find(const WCHAR* type, const WCHAR* name, WORD language) {
+        SetLastError(0);
+        const HRSRC found = FindResourceExW(kModule, type, name, language);
+        if (!found) return "error " + std::to_string(GetLastError());
+        const void* const data = LockResource(LoadResource(kModule, found));
+        return std::string(static_cast<const char*>(data), SizeofResource(kModule, found));
+    }
+};
+
+TEST_F(Resources, AreFoundByTypeNameAndLanguage) {
+    const std::string image = MakeImage();
+    EXPECT_EQ(Find(RT_STRING, MAKEINTRESOURCEW(7), 0), "error 1812");
+    ASSERT_TRUE(platform::RegisterResources(kModule, image.data(), image.size()));
+    struct Row {
+        const WCHAR* user;  // KT_LCID
+        const WCHAR* type;
+        const WCHAR* name;
+        WORD language;
+        std::string expected;
+    };
+    const Row rows[] = {
+        {W("0x409"), RT_STRING, MAKEINTRESOURCEW(7), 0x0407, "deutsch"},
+        {W("0x409"), RT_STRING, MAKEINTRESOURCEW(7), 0x040C, "francais"},
+        {W("0x409"), RT_STRING, MAKEINTRESOURCEW(7), 0x0807, "error 1815"},
+        {W("0x409"), RT_STRING, MAKEINTRESOURCEW(9), 0x0807, "neutral"},
+        {W("0x409"), RT_STRING, MAKEINTRESOURCEW(7), 0, "english"},
+        {W("0x407"), RT_STRING, MAKEINTRESOURCEW(7), 0, "deutsch"},
+        {W("0x807"), RT_STRING, MAKEINTRESOURCEW(7), 0, "deutsch"},
+        {W("0xC0C"), RT_STRING, MAKEINTRESOURCEW(7), 0, "francais"},
+        {W("0x410"), RT_STRING, MAKEINTRESOURCEW(7), 0, "english"},
+        {W("0x410"), RT_STRING, MAKEINTRESOURCEW(8), 0, "nihongo"},
+        {W("0x410"), RT_STRING, W("#8"), 0, "nihongo"},
+        {W("0x409"), RT_STRING, MAKEINTRESOURCEW(99), 0, "error 1814"},
+        {W("0x409"), RT_BITMAP, MAKEINTRESOURCEW(7), 0, "error 1813"},
+        {W("0x409"), W("custom"), MAKEINTRESOURCEW(1), 0, "x"},
+        {W("0x409"), W("custom"), MAKEINTRESOURCEW(1), 0x0409, "error 1815"},
+        {W("0x409"), W("Custom"), W("Empty"), 0, ""},
+        {W("0x409"), W("CUSTO"), W("EMPTY"), 0, "error 1813"},
+        {W("0x409"), MAKEINTRESOURCEW(kData), W("picture"), 0, std::string(1000, 'p')},
+        {W("0x409"), nullptr, nullptr, 0, ""},
+    };
+    for (const Row& row : rows) {
+        const support::ScopedVariable user(W("KT_LCID"), row.user);
+        EXPECT_EQ(Find(row.type, row.name, row.language), row.expected);
+    }
+}
+
+TEST_F(Resources, WildHandlesAreRefused) {
+    const std::string image = MakeImage();
+    ASSERT_TRUE(platform::RegisterResources(kModule, image.data(), image.size()));
+    const HRSRC found = FindResourceExW(kModule, RT_STRING, MAKEINTRESOURCEW(7), 0);
+    char* const inside = static_cast<char*>(found) + 4;
+    for (const HRSRC wrong : {static_cast<HRSRC>(inside), HRSRC{}, reinterpret_cast<HRSRC>(16)}) {
+        EXPECT_EQ(LoadResource(kModule, wrong), nullptr);
+        EXPECT_EQ(GetLastError(), ERROR_INVALID_HANDLE);
+        EXPECT_EQ(SizeofResource(kModule, wrong), 0u);
+    }
+    platform::UnregisterResources(kModule);
+    EXPECT_EQ(LoadResource(kModule, found), nullptr);
+}
+
+// Looks every resource up in an image that is not what it should be, in a block of exactly its size, so that the
+// sanitizer sees each byte read too far.
+void WalkWholly(const std::string& image) {
+    const std::vector<char> exact(image.begin(), image.end());
+    platform::RegisterResources(kModule, exact.empty() ? "" : exact.data(), exact.size());
+    for (const WORD language : {WORD{0}, WORD{0x0409}}) {
+        for (const WCHAR* const type : {RT_STRING, MAKEINTRESOURCEW(kData), W("CUSTOM")}) {
+            for (const WCHAR* const name : {MAKEINTRESOURCEW(7), W("PICTURE"), W("EMPTY")}) {
+                const HRSRC found = FindResourceExW(kModule, type, name, language);
+                if (!found) continue;
+                const auto* const data = static_cast<const char*>(LoadResource(kModule, found));
+                const DWORD size = SizeofResource(kModule, found);
+                ASSERT_GE(data, exact.data());
+                ASSERT_LE(data + size, exact.data() + exact.size());
+            }
+        }
+    }
+}
+
+TEST_F(Resources, TruncatedAtEveryLength) {
+    const std::string image = MakeImage();
+    for (std::size_t size = 0; size <= image.size(); ++size) WalkWholly(image.substr(0, size));
+}
+
+TEST_F(Resources, WithEachBitOfTheHeadersTurned) {
+    const std::string image = MakeImage();
+    for (std::size_t at = 0; at < image.size(); ++at) {
+        if (image[at] == 'p') continue;
+        for (int bit = 0; bit < 8; ++bit) {
+            std::string turned = image;
+            turned[at] = static_cast<char>(turned[at] ^ (1 << bit));
+            WalkWholly(turned);
+        }
+    }
+}
+
+}  // namespace

@@ -1,0 +1,174 @@
+// The reader when things fail: memory, the platform's calls, the decoder library.
+#include <cstring>
+
+#include "platform/faults.h"
+#include "platform/text.h"
+#include "reader/plugin_module.h"
+#include "support/failing_new.h"
+#include "support/scoped_variable.h"
+#include "tests/reader/reader_scene.h"
+
+namespace reader_tests {
+namespace {
+
+namespace faults = platform::faults;
+
+class ReaderFailures : public ReaderTest {};
+
+// A host's session from the class to frames and sound; ends with the first failure, which is its result. Takes no
+// memory of its own.
+HRESULT RunSession(IKtReadFileClass* file_class) {
+    ComPtr<IKtReadFile> file;
+    ComPtr<IKtReadFile> copy;
+    ComPtr<IKtReadVideoStream> video;
+    ComPtr<IKtReadAudioStream> audio;
+    ComPtr<IKtReadMeta> meta;
+    float samples[64];
+    uint8_t picture[10 * 6 * 16];
+    const auto request = Request(128);
+    const auto picture_token = TokenOf(picture, sizeof picture);
+    const auto sound_token = TokenOf(samples, sizeof samples);
+    _ktframeinfo info;
+    uint32_t bytes = 0;
+    int32_t read = -1;
+    WCHAR text[64];
+    HRESULT hr = file_class->CreateNamed(file.Out(), 0, 0, kNoFile, 1);
+    EXPECT_EQ(file.Get() != nullptr, hr == S_OK);
+    if (SUCCEEDED(hr)) hr = file->GetStream(video.OutVoid(), 0, 0);
+    if (SUCCEEDED(hr)) hr = file->GetStream(audio.OutVoid(), 0, 1);
+    if (SUCCEEDED(hr)) hr = file->GetMeta(meta.OutVoid());
+    if (SUCCEEDED(hr)) hr = video->ReadFrame(0, &request, &picture_token, &info, &bytes);
+    if (SUCCEEDED(hr)) hr = audio->ReadSamples(0, &sound_token, 32, &read);
+    if (SUCCEEDED(hr)) hr = meta->GetValue(0x444F4354, text, 64);
+    if (SUCCEEDED(hr)) hr = file->GetStreamText(text, 64, 1, 2);
+    if (SUCCEEDED(hr)) hr = file->Duplicate(copy.Out());
+    EXPECT_EQ(copy.Get() != nullptr, hr == S_OK);
+    if (SUCCEEDED(hr)) hr = file->Close();
+    EXPECT_TRUE(FAILED(hr) || (bytes == 960 && read == 32));
+    return hr;
+}
+
+TEST_F(ReaderFailures, EachFailingAllocationIsAFailureAndLeavesNothing) {
+    Told().remembers = false;
+    ASSERT_EQ(RunSession(file_class_.Get()), S_OK);
+    int failures = 0;
+    for (int n = 0;; ++n) {
+        FailingNew fail(n);
+        const HRESULT hr = RunSession(file_class_.Get());
+        if (!fail.Hit()) break;
+        ASSERT_TRUE(hr == S_OK || hr == E_OUTOFMEMORY || hr == E_FAIL) << n << ": " << std::hex << hr;
+        failures += FAILED(hr);
+        ASSERT_EQ(Decoder().live_clips, 0) << n;
+    }
+    EXPECT_GT(failures, 0);
+}
+
+TEST_F(ReaderFailures, EachFailingCallOfThePlatformIsAFailureAndLeavesNothing) {
+    Told().remembers = false;
+    int failures = 0;
+    for (int n = 0;; ++n) {
+        faults::FailAfter(n);
+        const HRESULT hr = RunSession(file_class_.Get());
+        const bool hit = faults::Hit();
+        faults::Clear();
+        if (!hit) break;
+        ASSERT_TRUE(hr == S_OK || hr == E_OUTOFMEMORY || hr == E_FAIL) << n << ": " << std::hex << hr;
+        failures += FAILED(hr);
+        ASSERT_EQ(Decoder().live_clips, 0) << n;
+    }
+    if (faults::Hit() || failures == 0) GTEST_SKIP() << "nothing is failed on this platform";
+    EXPECT_GE(failures, 6);  // objects and mutexes of a file and of its copy, at the least
+}
+
+TEST_F(ReaderFailures, AttachFailsWithTheKernelAndTheLanguageAlone) {
+    file_class_.Reset();
+    clipfio::DetachProcess();
+    int refused = 0;
+    for (int n = 0;; ++n) {
+        faults::FailAfter(n);
+        const bool attached = clipfio::AttachProcess(nullptr);
+        const bool hit = faults::Hit();
+        faults::Clear();
+        refused += !attached;
+        EXPECT_EQ(attached, n > 1 || !hit) << n;  // the two language contexts come first
+        clipfio::DetachProcess();
+        EXPECT_EQ(clipfio::ProcessEditor(), nullptr);
+        EXPECT_EQ(KtLang_GetLCID(clipfio::Module().hLang), 0u);
+        if (!hit) break;
+    }
+    for (int n = 0;; ++n) {
+        FailingNew fail(n);
+        clipfio::AttachProcess(nullptr);
+        const bool hit = fail.Hit();
+        clipfio::DetachProcess();
+        if (!hit) break;
+    }
+    ASSERT_TRUE(AttachReader());
+    file_class_ = NewFileClass();
+    EXPECT_EQ(RunSession(file_class_.Get()), S_OK);
+}
+
+// Decoder libraries that cannot be used. The module attaches all the same, and clips do not open.
+struct BadDecoder {
+    const char* name;
+    const char* folder;
+    uint32_t patch;
+    int32_t phase_status[3];
+};
+const BadDecoder kBadDecoders[] = {
+    {"none", "/no such folder", 3, {0, 0, 0}},
+    {"old", CLIPFIO_FAKE_DECODER, 2, {0, 0, 0}},
+    {"fails in phase 0", CLIPFIO_FAKE_DECODER, 3, {14, 0, 0}},
+    {"fails in phase 1", CLIPFIO_FAKE_DECODER, 3, {0, -1, 0}},
+    {"fails in phase 2", CLIPFIO_FAKE_DECODER, 3, {0, 0, 99}},
+};
+
+TEST_F(ReaderFailures, BadDecoderLeavesTheModuleAndItsClassesWorking) {
+    for (const BadDecoder& bad : kBadDecoders) {
+        SCOPED_TRACE(bad.name);
+        file_class_.Reset();
+        clipfio::DetachProcess();
+        Told().version[2] = bad.patch;
+        std::memcpy(Told().phase_status, bad.phase_status, sizeof bad.phase_status);
+        const support::ScopedVariable folder(W("R3DSDKPATH"), platform::Wide(bad.folder).c_str());
+        ASSERT_TRUE(clipfio::AttachProcess(nullptr));
+        ASSERT_NE(clipfio::ProcessEditor(), nullptr);
+        file_class_ = NewFileClass();
+        EXPECT_EQ(file_class_->CheckHeader(nullptr, "....RED1", 8, nullptr), S_OK);
+        const uint32_t id = 1;
+        BSTR text = nullptr;
+        EXPECT_EQ(file_class_->GetClassStrings(&id, 1, &text), S_OK);
+        EXPECT_EQ(WStringView(text), W("R3D"));
+        SysFreeString(text);
+
+        const auto file = EmptyFile();
+        EXPECT_EQ(file->SetFileName(kNoFile), E_FAIL);
+        EXPECT_EQ(file->Open(0, 0), E_FAIL);
+        EXPECT_EQ(file->IsOpen(), S_FALSE);
+        EXPECT_EQ(file->Close(), S_OK);
+        void* out = this;
+        EXPECT_EQ(file->GetStream(&out, 0, 0), E_UNEXPECTED);
+        const auto audio = AudioOf(file.Get());
+        float samples[4] = {7, 7, 7, 7};
+        const auto token = TokenOf(samples, sizeof samples);
+        int32_t read = -1;
+        EXPECT_EQ(audio->ReadSamples(0, &token, 1, &read), E_FAIL);
+        EXPECT_EQ(read, 0);
+        EXPECT_EQ(samples[0], 7);
+        ComPtr<IKtReadMeta> meta;
+        EXPECT_EQ(file->GetMeta(meta.OutVoid()), S_OK);
+        EXPECT_EQ(meta->GetValue(0x444F4354, nullptr, 0), E_UNEXPECTED);
+        ComPtr<IKtFileIOMediaProperties> properties;
+        EXPECT_EQ(file->QueryInterface(IID_IKtFileIOMediaProperties, properties.OutVoid()), S_OK);
+        EXPECT_EQ(properties->BeginProperties(), S_OK);
+        EXPECT_EQ(properties->GatherProperties(nullptr), E_UNEXPECTED);
+        EXPECT_EQ(properties->ApplyProperties(nullptr), E_UNEXPECTED);
+        ComPtr<IKtReadFile> copy;
+        EXPECT_EQ(file->Duplicate(copy.Out()), E_FAIL);
+        EXPECT_EQ(file_class_->CreateNamed(copy.Out(), 0, 0, kNoFile, 1), E_FAIL);
+    }
+    file_class_.Reset();
+}
+
+}  // namespace
+}  // namespace reader_tests

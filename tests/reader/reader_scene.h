@@ -1,0 +1,81 @@
+// What the tests of the reader share: the reader over the fake decoder, as a host drives it.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "platform/scoped.h"
+#include "reader/host_interfaces.h"
+#include "tests/reader/fake_decoder.h"
+
+namespace reader_tests {
+
+using platform::ComPtr;
+
+// Brings the reader up over the fake decoder and takes it down again. In the unit tests the program is the module; in
+// the tests of the built module the system's loader has done it, and these do nothing.
+bool AttachReader();
+void DetachReader();
+
+fake_decoder::State& Decoder();
+
+// A path that the fake decoder opens, though there is no file.
+inline constexpr WCHAR kNoFile[] = W("C:\\no such folder\\clip.r3d");
+
+inline _ktmemorytoken TokenOf(void* memory, std::size_t bytes) {
+    _ktmemorytoken token = {};
+    token.address = reinterpret_cast<uintptr_t>(memory);
+    token.size = static_cast<uint32_t>(bytes);
+    token.type = kKtMemoryPlain;
+    token.processId = GetCurrentProcessId();
+    return token;
+}
+
+inline _ktframerequest Request(uint32_t bits, double scale = 1.0, uint32_t quality = 4, double gamma = 0.0) {
+    _ktframerequest request = {};
+    request.bitsPerPixel = bits;
+    request.quality = quality;
+    request.scale = scale;
+    request.gamma = gamma;
+    return request;
+}
+
+template <class Interface>
+ComPtr<Interface> StreamOf(IKtReadFile* file, int32_t stream) {
+    ComPtr<Interface> out;
+    EXPECT_EQ(file->GetStream(out.OutVoid(), 0, stream), S_OK);
+    return out;
+}
+
+inline ComPtr<IKtReadVideoStream> VideoOf(IKtReadFile* file) { return StreamOf<IKtReadVideoStream>(file, 0); }
+inline ComPtr<IKtReadAudioStream> AudioOf(IKtReadFile* file) { return StreamOf<IKtReadAudioStream>(file, 1); }
+
+class ReaderTest : public testing::Test {
+  protected:
+    void SetUp() override {
+        Decoder().script = {};
+        Decoder().misuses = 0;
+        ASSERT_TRUE(AttachReader());
+        Decoder().script.events.clear();
+        file_class_ = NewFileClass();
+        ASSERT_TRUE(file_class_);
+    }
+    void TearDown() override {
+        file_class_.Reset();
+        EXPECT_EQ(Decoder().live_clips, 0);
+        EXPECT_EQ(Decoder().misuses, 0);
+        DetachReader();
+    }
+
+    static ComPtr<IKtReadFileClass> NewFileClass();
+    static fake_decoder::Script& Told() { return Decoder().script; }
+    // In order: not named, measured and closed, open.
+    ComPtr<IKtReadFile> EmptyFile() const;
+    ComPtr<IKtReadFile> MeasuredFile(const WCHAR* path = kNoFile) const;
+    ComPtr<IKtReadFile> OpenFile(const WCHAR* path = kNoFile) const;
+
+    ComPtr<IKtReadFileClass> file_class_;
+};
+
+}  // namespace reader_tests
