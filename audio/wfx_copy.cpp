@@ -137,7 +137,8 @@ _ktwaveformat* KtAudio_GeneralCopyKtWaveFormat(_ktwaveformat* out, uint32_t room
     if (!out || !format) return out;
     if (room == 0) room = kRecordBytes;
     uint32_t extra = ExtraLength(*format);
-    const uint32_t used = std::min(format->size ? format->size : kRecordBytes, kRecordBytes + extra);
+    const uint32_t size = format->size;
+    const uint32_t used = std::min(size ? size : kRecordBytes, kRecordBytes + extra);
     const uint32_t copied = std::min(used, room);
     auto* const bytes = reinterpret_cast<uint8_t*>(out);
     std::memmove(bytes, format, copied);

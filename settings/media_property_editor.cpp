@@ -87,6 +87,7 @@ HRESULT MediaPropertyEditor::BeginProperties(IKtReadVideoStream* stream, HKTLANG
     videoStream = stream;
     language = newLanguage;
     dialogShown = false;
+    revertToClipDefault = false;  // a pass without a dialog must not delete what the pass before meant to
     items.ForEach([](MediaPropertyItem& item) { item.SetState(ItemState::Unset); });
     return clipDefaults.CloneFrom(items);
 }

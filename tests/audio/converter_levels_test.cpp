@@ -53,7 +53,8 @@ TEST_P(ConverterLevels, EveryLengthAndAddress) {
             reference(expected.data(), samples.data(), static_cast<int32_t>(n), gain);
             for (const size_t offset : {n % 5, size_t{16}, n % 64}) {
                 std::vector<uint8_t> source(offset + n * BytesOf(GetParam()));
-                std::memcpy(source.data() + offset, samples.data(), source.size() - offset);
+                std::copy_n(samples.begin(), source.size() - offset,
+                            source.begin() + static_cast<std::ptrdiff_t>(offset));
                 for (const CpuLevel level : levels_) {
                     // The exact allocations let the address sanitizer see what goes behind their ends.
                     std::vector<uint8_t> actual(3 + offset + expected.size(), 0xCC);

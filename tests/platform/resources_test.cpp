@@ -59,23 +59,26 @@ std::string MakeImage() {
            MakeEntry(W("CUSTOM"), Number(1), 0x0809, "x") + MakeEntry(W("CUSTOM"), W("EMPTY"), 0x0409, "");
 }
 
+// No module of this process: the program's own resources stay as they are.
+const HMODULE kModule = reinterpret_cast<HMODULE>(uintptr_t{0x1000});
+
 class Resources : public testing::Test {
   protected:
-    ~Resources() override { platform::UnregisterResources(nullptr); }
+    ~Resources() override { platform::UnregisterResources(kModule); }
 
     static std::string Find(const WCHAR* type, const WCHAR* name, WORD language) {
         SetLastError(0);
-        const HRSRC found = FindResourceExW(nullptr, type, name, language);
+        const HRSRC found = FindResourceExW(kModule, type, name, language);
         if (!found) return "error " + std::to_string(GetLastError());
-        const void* const data = LockResource(LoadResource(nullptr, found));
-        return std::string(static_cast<const char*>(data), SizeofResource(nullptr, found));
+        const void* const data = LockResource(LoadResource(kModule, found));
+        return std::string(static_cast<const char*>(data), SizeofResource(kModule, found));
     }
 };
 
 TEST_F(Resources, AreFoundByTypeNameAndLanguage) {
     const std::string image = MakeImage();
     EXPECT_EQ(Find(RT_STRING, MAKEINTRESOURCEW(7), 0), "error 1812");
-    ASSERT_TRUE(platform::RegisterResources(nullptr, image.data(), image.size()));
+    ASSERT_TRUE(platform::RegisterResources(kModule, image.data(), image.size()));
     struct Row {
         const WCHAR* user;  // KT_LCID
         const WCHAR* type;
@@ -112,30 +115,30 @@ TEST_F(Resources, AreFoundByTypeNameAndLanguage) {
 
 TEST_F(Resources, WildHandlesAreRefused) {
     const std::string image = MakeImage();
-    ASSERT_TRUE(platform::RegisterResources(nullptr, image.data(), image.size()));
-    const HRSRC found = FindResourceExW(nullptr, RT_STRING, MAKEINTRESOURCEW(7), 0);
+    ASSERT_TRUE(platform::RegisterResources(kModule, image.data(), image.size()));
+    const HRSRC found = FindResourceExW(kModule, RT_STRING, MAKEINTRESOURCEW(7), 0);
     char* const inside = static_cast<char*>(found) + 4;
     for (const HRSRC wrong : {static_cast<HRSRC>(inside), HRSRC{}, reinterpret_cast<HRSRC>(16)}) {
-        EXPECT_EQ(LoadResource(nullptr, wrong), nullptr);
+        EXPECT_EQ(LoadResource(kModule, wrong), nullptr);
         EXPECT_EQ(GetLastError(), ERROR_INVALID_HANDLE);
-        EXPECT_EQ(SizeofResource(nullptr, wrong), 0u);
+        EXPECT_EQ(SizeofResource(kModule, wrong), 0u);
     }
-    platform::UnregisterResources(nullptr);
-    EXPECT_EQ(LoadResource(nullptr, found), nullptr);
+    platform::UnregisterResources(kModule);
+    EXPECT_EQ(LoadResource(kModule, found), nullptr);
 }
 
 // Looks every resource up in an image that is not what it should be, in a block of exactly its size, so that the
 // sanitizer sees each byte read too far.
 void WalkWholly(const std::string& image) {
     const std::vector<char> exact(image.begin(), image.end());
-    platform::RegisterResources(nullptr, exact.empty() ? "" : exact.data(), exact.size());
+    platform::RegisterResources(kModule, exact.empty() ? "" : exact.data(), exact.size());
     for (const WORD language : {WORD{0}, WORD{0x0409}}) {
         for (const WCHAR* const type : {RT_STRING, MAKEINTRESOURCEW(kData), W("CUSTOM")}) {
             for (const WCHAR* const name : {MAKEINTRESOURCEW(7), W("PICTURE"), W("EMPTY")}) {
-                const HRSRC found = FindResourceExW(nullptr, type, name, language);
+                const HRSRC found = FindResourceExW(kModule, type, name, language);
                 if (!found) continue;
-                const auto* const data = static_cast<const char*>(LoadResource(nullptr, found));
-                const DWORD size = SizeofResource(nullptr, found);
+                const auto* const data = static_cast<const char*>(LoadResource(kModule, found));
+                const DWORD size = SizeofResource(kModule, found);
                 ASSERT_GE(data, exact.data());
                 ASSERT_LE(data + size, exact.data() + exact.size());
             }

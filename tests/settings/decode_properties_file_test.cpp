@@ -35,6 +35,7 @@ class DecodePropertiesFile : public testing::Test {
         EntrySource source(&blocks, EntrySource::Reading::InBlocks);
         const ItemClones clones(editor_.Items());
         EXPECT_EQ(ReadEntries(clones, source), S_OK);
+        EXPECT_EQ(blocks.calls, static_cast<int>(text.size() / 4096) + 1) << "a short block is the last";
         clones.ForEach([&](const MediaPropertyItem& item) { item.StoreToSettings(inBlocks); });
         EXPECT_TRUE(SameRecord(record, inBlocks)) << text.substr(0, 200);
         return record;

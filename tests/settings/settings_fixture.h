@@ -83,7 +83,7 @@ inline DecodeSettingsRecord DistinctRecord() {
     r.imageGammaCurve = 18;
     r.imageColorSpace = 17;
     r.deb = 1;
-    r.imageDetail = 1;
+    r.imageDetail = 0xFFFFFFFF;
     r.imageOlpfCompensation = 3;
     r.imageDenoise = 6;
     r.shadow = -2.0f;
@@ -100,7 +100,7 @@ inline DecodeSettingsRecord DistinctRecord() {
 
 inline const std::string kDistinctEntries =
     "Brightness=-9.75|ColorTemperature=3200.5|ColorVersion=1|Contrast=-0.5|DEB=1|DRX=1e-05|ExposureCompensation=1.5|"
-    "FLUT=8|GainBlue=1.3|GainGreen=1.2|GainRed=1.1|ImageColorSpace=17|ImageDenoise=6|ImageDetail=1|"
+    "FLUT=8|GainBlue=1.3|GainGreen=1.2|GainRed=1.1|ImageColorSpace=17|ImageDenoise=6|ImageDetail=-1|"
     "ImageGammaCurve=18|ImageISO=12800|ImageOLPFCompensation=3|LggGainBlue=1.8|LggGainGreen=1.7|LggGainRed=1.6|"
     "LggGammaBlue=2.3|LggGammaGreen=2.2|LggGammaRed=2.1|LggLiftBlue=-0.3|LggLiftGreen=-0.2|LggLiftRed=-0.1|"
     "Saturation=0.333333|Shadow=-2|Tint=-12.25|"
