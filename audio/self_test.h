@@ -3,7 +3,7 @@
 
 #include <span>
 
-#include "audio/converter_table.h"
+#include "audio/copy_engine.h"
 #include "platform/base.h"
 
 // Converts every code of the integer types up to 24 bits to float and back, half a step higher, and expects ties to
@@ -42,8 +42,8 @@ struct SelfTestNode {
     KTSAMPLETYPE integerType;
     KTSAMPLETYPE floatType;
     uint32_t processorClass;  // at least, as KtGetCPUSupport tells it
-    Converter toFloat;
-    Converter fromFloat;
+    KTAUDIOCOPYFUNC toFloat;
+    KTAUDIOCOPYFUNC fromFloat;
 };
 
 // The test over nodes of one's own.

@@ -17,6 +17,7 @@ constexpr uint32_t kScaleBits = 0x37800080;  // 1/65535 as a 32-bit float
 constexpr float kScale = std::bit_cast<float>(kScaleBits);
 constexpr uint64_t kSamples = 3;      // in a decoded pixel
 constexpr uint64_t kPixelBytes = 16;  // of a delivered pixel
+constexpr uintptr_t kLineBytes = 64;  // of the cache
 // Below this a picture is likely to be read again out of the cache at once.
 constexpr uint64_t kPastCacheBytes = 1 << 20;
 
@@ -78,8 +79,8 @@ void Rgb16ToFloats(const void* decoded, void* host, uint64_t width, uint64_t hei
         uint8_t* out = HostRow(host, y, height, width * kPixelBytes);
         uint64_t left = width;
         if (past_cache) {
-            // Rows begin at a multiple of a pixel; a vector may be wider.
-            while (left && !IsAligned(out, Level::kAlignment)) {
+            // Rows begin at a multiple of a pixel, and whole lines go out fastest.
+            while (left && !IsAligned(out, kLineBytes)) {
                 plain::Pixels(in, out, 1);
                 in += kSamples * 2, out += kPixelBytes, --left;
             }
@@ -90,10 +91,10 @@ void Rgb16ToFloats(const void* decoded, void* host, uint64_t width, uint64_t hei
     _mm_sfence();
 }
 
-// The bytes in front of the first address aligned to `to`, at most `bytes`.
-uint64_t Head(const void* p, uintptr_t to, uint64_t bytes) {
-    const uintptr_t past = reinterpret_cast<uintptr_t>(p) % to;
-    const uint64_t head = past ? to - past : 0;
+// The bytes in front of the first line of the cache, at most `bytes`.
+uint64_t Head(const void* p, uint64_t bytes) {
+    const uintptr_t past = reinterpret_cast<uintptr_t>(p) % kLineBytes;
+    const uint64_t head = past ? kLineBytes - past : 0;
     return head < bytes ? head : bytes;
 }
 
@@ -103,10 +104,8 @@ uint64_t Head(const void* p, uintptr_t to, uint64_t bytes) {
         -1, -1, -1, -1, -1, -1
 
 struct Ssse3 {
-    static constexpr uintptr_t kAlignment = 16;
-
     static void CopyRow(const uint8_t* in, uint8_t* out, uint64_t bytes) {
-        const uint64_t head = Head(out, 16, bytes);
+        const uint64_t head = Head(out, bytes);
         std::memcpy(out, in, head);
         uint64_t i = head;
         for (; i + 64 <= bytes; i += 64) {
@@ -151,10 +150,8 @@ struct Ssse3 {
 };
 
 struct Avx2 {
-    static constexpr uintptr_t kAlignment = 32;
-
     __attribute__((target("avx2"))) static void CopyRow(const uint8_t* in, uint8_t* out, uint64_t bytes) {
-        const uint64_t head = Head(out, 32, bytes);
+        const uint64_t head = Head(out, bytes);
         std::memcpy(out, in, head);
         uint64_t i = head;
         for (; i + 128 <= bytes; i += 128) {
@@ -198,10 +195,58 @@ struct Avx2 {
     }
 };
 
+#pragma GCC diagnostic push
+// The compiler's own header makes "undefined" vectors by an initialisation with themselves.
+#pragma GCC diagnostic ignored "-Wuninitialized"
+#pragma GCC diagnostic ignored "-Wmaybe-uninitialized"
+struct Avx512 {
+    __attribute__((target("avx512f"))) static void CopyRow(const uint8_t* in, uint8_t* out, uint64_t bytes) {
+        const uint64_t head = Head(out, bytes);
+        std::memcpy(out, in, head);
+        uint64_t i = head;
+        for (; i + 128 <= bytes; i += 128) {
+            const __m512i a = _mm512_loadu_si512(in + i);
+            const __m512i b = _mm512_loadu_si512(in + i + 64);
+            _mm512_stream_si512(reinterpret_cast<__m512i*>(out + i), a);
+            _mm512_stream_si512(reinterpret_cast<__m512i*>(out + i + 64), b);
+        }
+        std::memcpy(out + i, in + i, bytes - i);
+    }
+
+    // Four pixels at a time, a whole line of the cache, for which 32 bytes are read.
+    template <bool kStream>
+    __attribute__((target("avx512f,avx512bw"))) static uint64_t Convert(const uint8_t* in, uint8_t* out,
+                                                                        uint64_t count) {
+        // The 16 bytes that hold a pixel pair go to each of the pair's two quarters.
+        const __m512i words = _mm512_setr_epi32(0, 1, 2, 3, 0, 1, 2, 3, 3, 4, 5, 6, 3, 4, 5, 6);
+        const __m512i lanes = _mm512_broadcast_i64x4(_mm256_setr_epi8(PIXEL_LANES(0), PIXEL_LANES(1)));
+        const __m512 scale = _mm512_set1_ps(kScale);
+        uint64_t x = 0;
+        for (; x + 6 <= count; x += 4) {
+            const __m256i four = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(in + x * 6));
+            const __m512i pairs = _mm512_permutexvar_epi32(words, _mm512_castsi256_si512(four));
+            const __m512 floats = _mm512_mul_ps(_mm512_cvtepi32_ps(_mm512_shuffle_epi8(pairs, lanes)), scale);
+            auto* to = reinterpret_cast<float*>(out + x * kPixelBytes);
+            if constexpr (kStream) {
+                _mm512_stream_ps(to, floats);
+            } else {
+                _mm512_storeu_ps(to, floats);
+            }
+        }
+        return x;
+    }
+    static uint64_t Pixels(const uint8_t* in, uint8_t* out, uint64_t count) { return Convert<false>(in, out, count); }
+    static uint64_t StreamPixels(const uint8_t* in, uint8_t* out, uint64_t count) {
+        return Convert<true>(in, out, count);
+    }
+};
+#pragma GCC diagnostic pop
+
 constexpr FrameDelivery kDeliveries[] = {
     {plain::Bgra8, plain::Rgb16ToFloats},
     {Bgra8<Ssse3>, Rgb16ToFloats<Ssse3>},
     {Bgra8<Avx2>, Rgb16ToFloats<Avx2>},
+    {Bgra8<Avx512>, Rgb16ToFloats<Avx512>},
 };
 
 bool CanRun(DeliveryLevel level) noexcept {
@@ -213,6 +258,8 @@ bool CanRun(DeliveryLevel level) noexcept {
             return __builtin_cpu_supports("ssse3");
         case DeliveryLevel::Avx2:
             return __builtin_cpu_supports("avx2");
+        case DeliveryLevel::Avx512:
+            return __builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512bw");
     }
     return false;
 }
@@ -225,7 +272,7 @@ const FrameDelivery* FrameDeliveryAt(DeliveryLevel level) noexcept {
 
 const FrameDelivery& BestFrameDelivery() noexcept {
     static const FrameDelivery& best = []() -> const FrameDelivery& {
-        for (const auto level : {DeliveryLevel::Avx2, DeliveryLevel::Ssse3}) {
+        for (const auto level : {DeliveryLevel::Avx512, DeliveryLevel::Avx2, DeliveryLevel::Ssse3}) {
             if (const FrameDelivery* delivery = FrameDeliveryAt(level)) return *delivery;
         }
         return kDeliveries[0];

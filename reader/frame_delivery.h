@@ -14,7 +14,7 @@ struct FrameDelivery {
 
 // Ways of doing it, with the same results; each needs more of the processor than the one before. The first is the
 // reference.
-enum class DeliveryLevel { Plain, Ssse3, Avx2 };
+enum class DeliveryLevel { Plain, Ssse3, Avx2, Avx512 };
 
 // Null when the processor cannot.
 const FrameDelivery* FrameDeliveryAt(DeliveryLevel level) noexcept;

@@ -33,6 +33,8 @@ bool InputFile::Open(const WString& path) noexcept {
     return true;
 }
 
+void InputFile::Close() noexcept { file_.Reset(); }
+
 size_t InputFile::ReadAt(uint64_t offset, void* data, size_t bytes) noexcept {
     const std::lock_guard hold(lock_);
     if (!file_ || !Seek(file_.Get(), offset)) return 0;

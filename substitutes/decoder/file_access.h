@@ -10,10 +10,11 @@
 
 namespace clipfio::decoder {
 
-// A file open for reading. Any thread: a read holds a lock of its own while it moves the file's one position.
+// A file open for reading. Any thread may read, under a lock that is held while the one position of the file moves.
 class InputFile {
   public:
     [[nodiscard]] bool Open(const WString& path) noexcept;
+    void Close() noexcept;
     [[nodiscard]] uint64_t Size() const noexcept { return size_; }  // bytes, as it was when opened
     // Bytes read: fewer than asked for at the end of the file or after a failure.
     size_t ReadAt(uint64_t offset, void* data, size_t bytes) noexcept;

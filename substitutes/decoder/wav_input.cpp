@@ -49,8 +49,11 @@ bool WavInput::Open(WStringView path) noexcept {
         error_.clear();
         raw_.resize(kRawBytes);
         if (!file_.Open(WString(path))) return Fail("the WAV file cannot be opened");
-        return FindChunks();
+        if (FindChunks()) return true;
+        file_.Close();
+        return false;
     } catch (const std::exception&) {
+        file_.Close();
         error_ = "out of memory";
         return false;
     }

@@ -9,7 +9,7 @@
 namespace clipfio {
 namespace {
 
-constexpr DeliveryLevel kFastLevels[] = {DeliveryLevel::Ssse3, DeliveryLevel::Avx2};
+constexpr DeliveryLevel kFastLevels[] = {DeliveryLevel::Ssse3, DeliveryLevel::Avx2, DeliveryLevel::Avx512};
 constexpr uint8_t kGuard = 0xA5;
 constexpr uint64_t kGuardBytes = 64;
 
@@ -105,7 +105,8 @@ TEST(FrameDelivery, EverySampleValueIsExactAtEveryLevel) {
         for (uint64_t s = 0; s < 3; ++s) samples[x * 3 + s] = static_cast<uint16_t>(x + s * 21845);
     }
     std::vector<float> floats(kWidth * 4);
-    for (const DeliveryLevel level : {DeliveryLevel::Plain, DeliveryLevel::Ssse3, DeliveryLevel::Avx2}) {
+    for (const DeliveryLevel level :
+         {DeliveryLevel::Plain, DeliveryLevel::Ssse3, DeliveryLevel::Avx2, DeliveryLevel::Avx512}) {
         if (!FrameDeliveryAt(level)) continue;
         FrameDeliveryAt(level)->rgb16_to_floats(samples.data(), floats.data(), kWidth, 1);
         uint64_t wrong = 0;

@@ -35,8 +35,9 @@ TEST_F(ReadFileClass, NamesTheFileType) {
     constexpr struct {
         uint32_t id;
         const char* text;
-    } kRows[] = {{1, "R3D"},      {2, "RED Raw (R3D)"}, {3, ""}, {4, "*.r3d"}, {5, "RED Raw (R3D)"},
-                 {6, "Open RED"}, {8, ""},              {0, ""}, {0xFFFFFFFF, ""}};
+    } kRows[] = {{1, "R3D"},           {2, "RED Raw (R3D)"}, {3, ""}, {4, "*.r3d"},
+                 {5, "RED Raw (R3D)"}, {6, "Open RED"},      {8, ""}, {0, ""},
+                 {0xFFFFFFFF, ""}};
     for (const auto& row : kRows) EXPECT_EQ(StringOf(row.id), row.text) << row.id;
     EXPECT_NE(StringOf(7), "");
 
@@ -55,9 +56,10 @@ TEST_F(ReadFileClass, RecognisesAHeaderByTheBytesAtFour) {
         std::string_view bytes;
         HRESULT result;
     } kRows[] = {
-        {"....RED1", S_OK},    {std::string_view("\0\0\0\0RED2", 8), S_OK}, {"RED1RED2 and more", S_OK},
-        {"RED1....", E_FAIL},  {"....RED3", E_FAIL},                        {"....red1", E_FAIL},
-        {"....1DER", E_FAIL},  {".....RED1", E_FAIL},
+        {"....RED1", S_OK},          {std::string_view("\0\0\0\0RED2", 8), S_OK},
+        {"RED1RED2 and more", S_OK}, {"RED1....", E_FAIL},
+        {"....RED3", E_FAIL},        {"....red1", E_FAIL},
+        {"....1DER", E_FAIL},        {".....RED1", E_FAIL},
     };
     for (const auto& row : kRows) {
         EXPECT_EQ(file_class_->CheckHeader(nullptr, row.bytes.data(), static_cast<uint32_t>(row.bytes.size()), nullptr),

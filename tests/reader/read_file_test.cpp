@@ -210,7 +210,8 @@ TEST_F(ReadFile, RefusesStreamsThatItDoesNotHave) {
         HRESULT kind;
         uint32_t value;
         HRESULT property;
-    } kKinds[] = {{0, S_OK, 2, S_OK}, {1, S_OK, 1, S_OK}, {2, E_INVALIDARG, 9, E_INVALIDARG}, {-1, E_UNEXPECTED, 9, S_OK}};
+    } kKinds[] = {
+        {0, S_OK, 2, S_OK}, {1, S_OK, 1, S_OK}, {2, E_INVALIDARG, 9, E_INVALIDARG}, {-1, E_UNEXPECTED, 9, S_OK}};
     for (const auto& row : kKinds) {
         uint32_t kind = 9;
         uint32_t second = 9;

@@ -20,10 +20,11 @@ TEST(VideoSize, IsTheNextOneAvailable) {
         double scale;
         uint32_t divisor;
     } kRows[] = {
-        {1.0, 1},     {0.5, 2},     {0.25, 4},    {0.125, 8},  {0.0625, 16}, {0.3, 2},        {0.4, 2},    {0.45, 2},
-        {0.67, 1},    {0.66, 2},    {0.2858, 2},  {0.2857, 4}, {0.13, 8},    {0.134, 4},      {0.0646, 8}, {0.0645, 16},
-        {0.01, 16},   {1e-9, 16},   {2.0, 1},     {4.0, 1},    {1000.0, 1},  {0.0, 1},        {-0.0, 1},   {-0.5, 1},
-        {kNan, 1},    {kInfinity, 1}, {-kInfinity, 1}, {2.0 / 3.0, 2},  {2.0 / 7.0, 4},
+        {1.0, 1},  {0.5, 2},       {0.25, 4},       {0.125, 8},     {0.0625, 16},   {0.3, 2},
+        {0.4, 2},  {0.45, 2},      {0.67, 1},       {0.66, 2},      {0.2858, 2},    {0.2857, 4},
+        {0.13, 8}, {0.134, 4},     {0.0646, 8},     {0.0645, 16},   {0.01, 16},     {1e-9, 16},
+        {2.0, 1},  {4.0, 1},       {1000.0, 1},     {0.0, 1},       {-0.0, 1},      {-0.5, 1},
+        {kNan, 1}, {kInfinity, 1}, {-kInfinity, 1}, {2.0 / 3.0, 2}, {2.0 / 7.0, 4},
     };
     for (const auto& row : kRows) EXPECT_EQ(ChooseDivisor(row.scale), row.divisor) << row.scale;
 }
@@ -34,8 +35,8 @@ TEST(VideoSize, QualityChoosesTheModeOnlyAtHalfSize) {
         uint32_t quality;
         const char* mode;
     } kRows[] = {
-        {1, 0, "PRFD"}, {1, 1, "PRFD"},  {1, 9, "PRFD"},  {2, 0, "PRFD"},  {2, 1, "GRHD"},  {2, 3, "GRHD"},
-        {2, 4, "PRHD"}, {2, 99, "PRHD"}, {4, 0, "PRFD"},  {4, 1, "GRQD"},  {4, 4, "GRQD"},  {8, 1, "GRED"},
+        {1, 0, "PRFD"}, {1, 1, "PRFD"},  {1, 9, "PRFD"},  {2, 0, "PRFD"},  {2, 1, "GRHD"},          {2, 3, "GRHD"},
+        {2, 4, "PRHD"}, {2, 99, "PRHD"}, {4, 0, "PRFD"},  {4, 1, "GRQD"},  {4, 4, "GRQD"},          {8, 1, "GRED"},
         {8, 0, "PRFD"}, {16, 1, "GRSD"}, {16, 0, "PRFD"}, {16, 4, "GRSD"}, {2, 0xFFFFFFFF, "PRHD"},
     };
     for (const auto& row : kRows) {
