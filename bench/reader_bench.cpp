@@ -1,6 +1,8 @@
 // One frame of 3840 by 2160 pixels into the host's memory, over a decoder that costs nothing, against its bound: the
-// faster of memcpy and a copy with streaming stores that reads and writes as many bytes in all. Frame and bound are
-// timed in turn, so that other work of the machine meets both alike; medians count.
+// faster of memcpy and a copy with streaming stores, which read and write the same bytes. A 128-bit frame writes more
+// than it reads: there each piece of the source is copied until as much is written. Beside it stands the ratio to a
+// plain copy of half the bytes in all. Frame and bounds are timed in turn, so that other work of the machine meets all
+// alike; medians count.
 #include <benchmark/benchmark.h>
 #include <emmintrin.h>
 
@@ -117,8 +119,31 @@ double Median(std::vector<double> times) {
     return *middle;
 }
 
-std::map<uint32_t, double>& Ratios() {
-    static std::map<uint32_t, double> ratios;
+// Reads `in` bytes and writes `out` of them, which are as many or more: piece by piece, so that each piece is read from
+// memory once.
+template <class Copy>
+void CopyWidening(Copy copy, uint8_t* to, const uint8_t* from, size_t in, size_t out) {
+    if (in == out) return copy(to, from, in);
+    const size_t piece = in / kHeight;
+    const size_t wide = out / kHeight;
+    for (size_t y = 0; y < kHeight; ++y, from += piece) {
+        for (size_t left = wide; left > 0;) {
+            const size_t part = std::min(piece, left);
+            copy(to, from, part);
+            to += part;
+            left -= part;
+        }
+    }
+}
+
+void PlainCopy(uint8_t* to, const uint8_t* from, size_t bytes) { std::memcpy(to, from, bytes); }
+
+struct Ratio {
+    double to_same_bytes;
+    double to_half_of_all;
+};
+std::map<uint32_t, Ratio>& Ratios() {
+    static std::map<uint32_t, Ratio> ratios;
     return ratios;
 }
 
@@ -126,17 +151,22 @@ void ReadFrame(benchmark::State& state) {
     static Scene scene;
     const auto bits = static_cast<uint32_t>(state.range(0));
     const size_t decoded = kWidth * kHeight * (bits == 128 ? 6 : 4);
-    const size_t half = (decoded + kWidth * kHeight * bits / 8) / 2;
-    std::vector<double> frames, copies, streams;
+    const size_t delivered = kWidth * kHeight * bits / 8;
+    const size_t half = (decoded + delivered) / 2;
+    std::vector<double> frames, copies, streams, half_copies, half_streams;
     for (auto _ : state) {
         frames.push_back(Seconds([&] { scene.Read(bits); }));
-        copies.push_back(Seconds([&] { std::memcpy(scene.Host(), scene.Other(), half); }));
-        streams.push_back(Seconds([&] { StreamCopy(scene.Host(), scene.Other(), half); }));
+        copies.push_back(Seconds([&] { CopyWidening(PlainCopy, scene.Host(), scene.Other(), decoded, delivered); }));
+        streams.push_back(Seconds([&] { CopyWidening(StreamCopy, scene.Host(), scene.Other(), decoded, delivered); }));
+        half_copies.push_back(Seconds([&] { PlainCopy(scene.Host(), scene.Other(), half); }));
+        half_streams.push_back(Seconds([&] { StreamCopy(scene.Host(), scene.Other(), half); }));
         state.SetIterationTime(frames.back());
     }
-    Ratios()[bits] = Median(frames) / std::min(Median(copies), Median(streams));
-    state.counters["ratio"] = Ratios()[bits];
-    state.SetBytesProcessed(static_cast<int64_t>(2 * half) * state.iterations());
+    Ratio& ratio = Ratios()[bits];
+    ratio.to_same_bytes = Median(frames) / std::min(Median(copies), Median(streams));
+    ratio.to_half_of_all = Median(frames) / std::min(Median(half_copies), Median(half_streams));
+    state.counters["ratio"] = ratio.to_same_bytes;
+    state.SetBytesProcessed(static_cast<int64_t>(decoded + delivered) * state.iterations());
 }
 BENCHMARK(ReadFrame)
     ->Name("reader/read_frame")
@@ -150,8 +180,9 @@ void PrintGoals() {
     const std::map<uint32_t, double> goals = {{32, 1.15}, {128, 1.2}};
     for (const auto& [bits, ratio] : Ratios()) {
         const double goal = goals.at(bits);
-        std::printf("reader: a %u-bit frame takes %.3f of its bound; goal %.2f: %s\n", bits, ratio, goal,
-                    ratio <= goal ? "met" : "MISSED");
+        std::printf(
+            "reader: a %u-bit frame takes %.3f of its bound, %.3f of a copy of half of all bytes; goal %.2f: %s\n",
+            bits, ratio.to_same_bytes, ratio.to_half_of_all, goal, ratio.to_same_bytes <= goal ? "met" : "MISSED");
     }
 }
 

@@ -200,19 +200,6 @@ struct Avx2 {
 #pragma GCC diagnostic ignored "-Wuninitialized"
 #pragma GCC diagnostic ignored "-Wmaybe-uninitialized"
 struct Avx512 {
-    __attribute__((target("avx512f"))) static void CopyRow(const uint8_t* in, uint8_t* out, uint64_t bytes) {
-        const uint64_t head = Head(out, bytes);
-        std::memcpy(out, in, head);
-        uint64_t i = head;
-        for (; i + 128 <= bytes; i += 128) {
-            const __m512i a = _mm512_loadu_si512(in + i);
-            const __m512i b = _mm512_loadu_si512(in + i + 64);
-            _mm512_stream_si512(reinterpret_cast<__m512i*>(out + i), a);
-            _mm512_stream_si512(reinterpret_cast<__m512i*>(out + i + 64), b);
-        }
-        std::memcpy(out + i, in + i, bytes - i);
-    }
-
     // Four pixels at a time, a whole line of the cache, for which 32 bytes are read.
     template <bool kStream>
     __attribute__((target("avx512f,avx512bw"))) static uint64_t Convert(const uint8_t* in, uint8_t* out,
@@ -246,7 +233,7 @@ constexpr FrameDelivery kDeliveries[] = {
     {plain::Bgra8, plain::Rgb16ToFloats},
     {Bgra8<Ssse3>, Rgb16ToFloats<Ssse3>},
     {Bgra8<Avx2>, Rgb16ToFloats<Avx2>},
-    {Bgra8<Avx512>, Rgb16ToFloats<Avx512>},
+    {Bgra8<Avx2>, Rgb16ToFloats<Avx512>},  // wider vectors do not copy faster
 };
 
 bool CanRun(DeliveryLevel level) noexcept {
@@ -259,7 +246,8 @@ bool CanRun(DeliveryLevel level) noexcept {
         case DeliveryLevel::Avx2:
             return __builtin_cpu_supports("avx2");
         case DeliveryLevel::Avx512:
-            return __builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512bw");
+            return __builtin_cpu_supports("avx2") && __builtin_cpu_supports("avx512f") &&
+                   __builtin_cpu_supports("avx512bw");
     }
     return false;
 }
