@@ -6,9 +6,7 @@
 
 #include "platform/files.h"
 #include "platform/modules.h"
-#include "platform/process.h"
 #include "platform/text.h"
-#include "r3dsdk/sdk_symbols.h"
 #include "substitutes/decoder/file_access.h"
 
 namespace clipfio::decoder::test {
@@ -21,9 +19,16 @@ void Bind(HMODULE module, const char* symbol, Function*& function) {
     function = reinterpret_cast<Function*>(reinterpret_cast<void*>(address));
 }
 
+// By its whole path: another library of that file name may have been loaded from elsewhere.
+WString LibraryPath() {
+    WCHAR program[1024] = {};
+    const WString path(program, GetModuleFileNameW(nullptr, program, 1024));
+    return path.substr(0, path.find_last_of(W("\\/")) + 1) + W("REDR3D-x64.dll");
+}
+
 DecoderLibrary LoadTheLibrary() {
     DecoderLibrary l;
-    l.module = LoadLibraryW(W("REDR3D-x64.dll"));
+    l.module = LoadLibraryW(LibraryPath().c_str());
     if (l.module == nullptr) {
         ADD_FAILURE() << "the decoder library is not beside the tests: error " << GetLastError();
         std::abort();
@@ -71,16 +76,6 @@ const DecoderLibrary& DecoderLibrary::Get() {
     static const DecoderLibrary library = LoadTheLibrary();
     return library;
 }
-
-TestFile::TestFile(const std::string& ending) {
-    static int count = 0;
-    WCHAR folder[MAX_PATH + 1] = {};
-    GetTempPathW(MAX_PATH, folder);
-    const std::string name = "clip-" + std::to_string(GetCurrentProcessId()) + "-" + std::to_string(++count) + ending;
-    path_ = folder + platform::Wide(name);
-}
-
-TestFile::~TestFile() { DeleteFileW(path_.c_str()); }
 
 std::string TestFile::Utf8() const { return platform::Utf8(path_); }
 

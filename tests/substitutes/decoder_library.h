@@ -9,6 +9,7 @@
 #include "r3dsdk/sdk_records.h"
 #include "substitutes/decoder/clip_writer.h"
 #include "substitutes/decoder/status.h"
+#include "support/temp_file.h"
 
 namespace clipfio::decoder::test {
 
@@ -37,13 +38,10 @@ struct DecoderLibrary {
 
 constexpr uint32_t Number(Status status) { return static_cast<uint32_t>(status); }
 
-// A file name of its own in the folder for temporary files; the file goes with the object.
+// A file in the folder for temporary files; it goes with the object.
 class TestFile {
   public:
-    explicit TestFile(const std::string& ending = ".r3d");  // UTF-8
-    ~TestFile();
-    TestFile(const TestFile&) = delete;
-    TestFile& operator=(const TestFile&) = delete;
+    explicit TestFile(const std::string& ending = ".r3d") : file_(ending), path_(file_.Path()) {}  // UTF-8
 
     [[nodiscard]] const WString& Path() const { return path_; }
     [[nodiscard]] std::string Utf8() const;
@@ -51,6 +49,7 @@ class TestFile {
     void Write(const std::vector<uint8_t>& bytes) const;
 
   private:
+    support::TempFile file_;
     WString path_;
 };
 
