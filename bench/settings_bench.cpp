@@ -1,12 +1,13 @@
 // What the settings cost each decoded frame: a fresh record, overlaid by the clip's decode-properties file of all 69
-// entries. The yardstick is opening, reading and closing that file and nothing else; the ratio to it is printed last
-// and stays below 5.
+// entries. The yardstick is opening, reading and closing that file and nothing else; the ratio to it is printed last.
 #include <benchmark/benchmark.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <filesystem>
 
+#include "bench/summary.h"
 #include "platform/files.h"
 #include "platform/scoped.h"
 #include "platform/text.h"
@@ -69,6 +70,11 @@ BENCHMARK(Run<ReadFileBarely>)->Name("settings/bare_open_read_close");
 BENCHMARK(Run<SettingsOfOneFrame>)->Name("settings/one_frame");
 BENCHMARK(Run<SettingsOfOneFrameByteByByte>)->Name("settings/one_frame_byte_by_byte");
 
+double& TheRatio() {
+    static double ratio = 0;
+    return ratio;
+}
+
 // The best of many short runs, taken in turn: what else the machine does disturbs both alike.
 void SettingsRatio(benchmark::State& state) {
     const auto seconds = [](void (*operation)()) {
@@ -81,8 +87,18 @@ void SettingsRatio(benchmark::State& state) {
         bare = std::min(bare, seconds(ReadFileBarely));
         frame = std::min(frame, seconds(SettingsOfOneFrame));
     }
-    state.counters["ratio"] = frame / bare;
+    TheRatio() = frame / bare;
+    state.counters["ratio"] = TheRatio();
 }
 BENCHMARK(SettingsRatio)->Name("settings/one_frame_to_bare")->Iterations(50)->Unit(benchmark::kMillisecond);
+
+void PrintReport() {
+    constexpr double kGoal = 5;
+    if (TheRatio() == 0) return;
+    std::printf("%-58s %6.2f  goal %.2f  %s\n", "Settings of one frame over a bare open, read and close", TheRatio(),
+                kGoal, TheRatio() <= kGoal ? "met" : "MISSED");
+}
+
+[[maybe_unused]] const bool reported = clipfio::bench::AddSummary(PrintReport);
 
 }  // namespace

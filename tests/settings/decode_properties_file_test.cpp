@@ -5,10 +5,10 @@
 #include <locale>
 #include <random>
 
-#include "platform/modules.h"
 #include "platform/text.h"
 #include "r3dsdk/sdk_loader.h"
 #include "settings/settings_fixture.h"
+#include "support/scoped_variable.h"
 
 namespace clipfio {
 namespace {
@@ -304,10 +304,8 @@ struct Comma : std::numpunct<char> {
 };
 
 TEST_F(Locales, TheUsersLocaleStandsInTheHeaderOnly) {
-    const char* const old = std::getenv("LC_ALL");
-    const WString restore = platform::Wide(old ? old : "C");
     for (const char* name : {"C", "tr_TR.UTF-8", "no_SUCH.locale"}) {
-        SetEnvironmentVariableW(W("LC_ALL"), platform::Wide(name).c_str());
+        const support::ScopedVariable variable(W("LC_ALL"), platform::Wide(name).c_str());
         if (const char* seen = std::getenv("LC_ALL"); !seen || std::string(seen) != name) {
             GTEST_SKIP() << "the runtime keeps an environment of its own here";
         }
@@ -326,7 +324,6 @@ TEST_F(Locales, TheUsersLocaleStandsInTheHeaderOnly) {
         EXPECT_EQ(std::locale(), cppLocale_);
         EXPECT_EQ(std::setlocale(LC_NUMERIC, nullptr), cLocale_);
     }
-    SetEnvironmentVariableW(W("LC_ALL"), restore.c_str());
 }
 
 TEST_F(Locales, WritingFollowsTheStreamLocaleOfTheProgram) {

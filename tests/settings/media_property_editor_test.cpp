@@ -1,15 +1,15 @@
 #include "settings/media_property_editor.h"
 
 #include <atomic>
-#include <filesystem>
-#include <fstream>
 #include <thread>
 
 #include "platform/faults.h"
-#include "platform/text.h"
+#include "platform/files.h"
+#include "platform/scoped.h"
 #include "settings/property_items.h"
 #include "settings/settings_fixture.h"
 #include "support/failing_new.h"
+#include "support/temp_file.h"
 
 namespace clipfio {
 namespace {
@@ -118,53 +118,52 @@ TEST(MediaPropertyEditor, SavesAllEntriesWhateverIsSet) {
 
 class SettingsOnDisk : public testing::Test {
   protected:
-    SettingsOnDisk() { std::filesystem::create_directories(folder_); }
-    ~SettingsOnDisk() override { std::filesystem::remove_all(folder_); }
+    const support::TempFile file_{".KtDecProp"};
+    const MediaPropertyEditor editor_{kWithoutDecoder};
 
-    const std::filesystem::path folder_ =
-        std::filesystem::temp_directory_path() /
-        ("settings-" +
-         std::to_string(std::hash<std::string>()(testing::UnitTest::GetInstance()->current_test_info()->name())));
-    const std::filesystem::path file_ = folder_ / "clip.KtDecProp";
-    const WString path_ = platform::Wide(file_.string());
-    MediaPropertyEditor editor_{kWithoutDecoder};
-
-    std::string Content() const {
-        std::ifstream in(file_, std::ios::binary);
-        return {std::istreambuf_iterator<char>(in), {}};
+    platform::ComPtr<IStream> Open(DWORD mode) const {
+        platform::ComPtr<IStream> stream;
+        EXPECT_EQ(SHCreateStreamOnFileW(file_.Path(), mode, stream.Out()), S_OK);
+        return stream;
     }
 };
 
 TEST_F(SettingsOnDisk, RoundTripReplacesAnOlderFile) {
-    std::ofstream(file_) << std::string(100000, 'x');
-    EXPECT_EQ(editor_.WriteFile(path_.c_str(), DistinctRecord()), S_OK);
+    const std::string older(100000, 'x');
+    EXPECT_EQ(Open(STGM_CREATE | STGM_WRITE)->Write(older.data(), static_cast<ULONG>(older.size()), nullptr), S_OK);
+    EXPECT_EQ(editor_.WriteFile(file_.Path(), DistinctRecord()), S_OK);
     MemoryStream stream;
     EXPECT_EQ(editor_.SaveSettings(&stream, DistinctRecord()), S_OK);
-    EXPECT_EQ(Content(), stream.content);
+    std::string written(older.size(), '\0');
+    ULONG length = 0;
+    EXPECT_TRUE(SUCCEEDED(Open(STGM_READ)->Read(written.data(), static_cast<ULONG>(written.size()), &length)));
+    EXPECT_EQ(written.substr(0, length), stream.content);
     DecodeSettingsRecord record;
-    EXPECT_EQ(editor_.ApplyFile(record, path_.c_str()), S_OK);
+    EXPECT_EQ(editor_.ApplyFile(record, file_.Path()), S_OK);
     EXPECT_TRUE(SameRecord(record, DistinctRecord()));
 }
 
 TEST_F(SettingsOnDisk, WithoutAFileTheRecordStands) {
     DecodeSettingsRecord record = DistinctRecord();
-    EXPECT_EQ(editor_.ApplyFile(record, path_.c_str()), S_OK);
-    EXPECT_EQ(editor_.ApplyFile(record, platform::Wide(folder_.string()).c_str()), S_OK) << "a folder";
+    EXPECT_EQ(editor_.ApplyFile(record, file_.Path()), S_OK);
+    EXPECT_EQ(GetFileAttributesW(file_.Path()), INVALID_FILE_ATTRIBUTES) << "nothing is made";
+    WCHAR folder[MAX_PATH];
+    ASSERT_NE(GetTempPathW(MAX_PATH, folder), 0u);
+    EXPECT_EQ(editor_.ApplyFile(record, folder), S_OK) << "a folder";
     EXPECT_TRUE(SameRecord(record, DistinctRecord()));
-    EXPECT_FALSE(std::filesystem::exists(file_));
 }
 
 TEST_F(SettingsOnDisk, WritingReportsThatTheFileCannotBeOpened) {
-    const WString path = platform::Wide((folder_ / "missing" / "clip.KtDecProp").string());
+    const WString path = file_.Path() + WString(W("\\missing\\clip.KtDecProp"));
     EXPECT_TRUE(FAILED(editor_.WriteFile(path.c_str(), DecodeSettingsRecord{})));
 }
 
 TEST_F(SettingsOnDisk, EveryFailingCallLeavesTheRecordAlone) {
-    ASSERT_EQ(editor_.WriteFile(path_.c_str(), DistinctRecord()), S_OK);
+    ASSERT_EQ(editor_.WriteFile(file_.Path(), DistinctRecord()), S_OK);
     for (int n = 0;; ++n) {
         DecodeSettingsRecord record;
         platform::faults::FailAfter(n);
-        const HRESULT hr = editor_.ApplyFile(record, path_.c_str());
+        const HRESULT hr = editor_.ApplyFile(record, file_.Path());
         const bool failed = platform::faults::Hit();
         platform::faults::Clear();
         EXPECT_TRUE(SameRecord(record, failed ? DecodeSettingsRecord{} : DistinctRecord()));
