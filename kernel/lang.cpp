@@ -17,6 +17,7 @@ namespace {
 constexpr HRESULT kAlreadyOpen = 0x0004E001;
 constexpr uint32_t kDefaultRing = 8192;
 constexpr uint32_t kLeastRing = 2048;
+constexpr uint32_t kRingHeadroom = 1024;  // what is left behind the last place where a text may begin
 constexpr WORD kEnglishUnitedStates = 0x0409;
 constexpr std::size_t kLongestString = 1024;
 
@@ -52,7 +53,8 @@ struct KtLang : clipfio::HeapObject {
     HMODULE base = nullptr;
     CRITICAL_SECTION lock;
     std::unique_ptr<WCHAR[]> ring;  // temporary text space
-    uint32_t ring_size = 0;
+    uint32_t ring_size = 0;         // characters
+    uint32_t ring_position = 0;     // the next free one
     bool use_language_module = false;
     HMODULE language_module = nullptr;  // a satellite file, or the base module when there is none
     LCID lcid = 0;
@@ -87,7 +89,8 @@ HRESULT KtLang_Open(HKTLANG* handle, HMODULE base, LCID lcid, uint32_t ring_size
     lang->language_module = base;
     lang->lcid = lcid;
     lang->ring_size = ring_size ? std::max(ring_size, kLeastRing) : kDefaultRing;
-    lang->ring.reset(new (std::nothrow) WCHAR[lang->ring_size]());
+    // A longest text at the last place ends with the ring; its terminator stands behind.
+    lang->ring.reset(new (std::nothrow) WCHAR[lang->ring_size + 1]());
     if (!lang->ring) return E_OUTOFMEMORY;
     *handle = lang.release();
     return S_OK;
@@ -135,6 +138,16 @@ const WCHAR* KtGetString(HKTLANG handle, uint32_t id) noexcept {
         return S_OK;
     });
     return result;
+}
+
+WCHAR* KtGetTempStringBuffer(HKTLANG handle, uint32_t length) noexcept {
+    if (!handle || length > kRingHeadroom) return nullptr;
+    const platform::CriticalSectionLock hold(handle->lock);
+    if (handle->ring_position > handle->ring_size - kRingHeadroom) handle->ring_position = 0;
+    WCHAR* text = handle->ring.get() + handle->ring_position;
+    if (length == 0) *text = 0;
+    handle->ring_position = (length + 2 + handle->ring_position) & ~1u;
+    return text;
 }
 
 HGLOBAL KtLoadResourceCustom(HKTLANG handle, const WCHAR* name, const WCHAR* type, uint32_t* size) noexcept {

@@ -26,6 +26,11 @@ KT_EXPORT const WCHAR* KtGetString(HKTLANG handle, uint32_t id) noexcept;
 // is none.
 KT_EXPORT int32_t KtLoadString(HKTLANG handle, uint32_t id, WCHAR* buffer, int32_t size) noexcept;
 
+// A slice of the context's ring of temporary text, for up to `length` characters and their terminator; never freed, and
+// overwritten when the ring has come round. 0 gives an empty text. Null for a null handle, or for more than 1024
+// characters.
+KT_API WCHAR* KtGetTempStringBuffer(HKTLANG handle, uint32_t length) noexcept;
+
 // A resource of the context's modules, loaded; null when there is none. `size` receives its bytes and may be null. The
 // block is the module's and is not freed.
 KT_API HGLOBAL KtLoadResourceCustom(HKTLANG handle, const WCHAR* name, const WCHAR* type, uint32_t* size) noexcept;

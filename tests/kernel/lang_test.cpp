@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <thread>
 #include <vector>
 
@@ -104,6 +105,26 @@ TEST_F(Language, ServesManyThreads) {
     }
     for (std::thread& thread : threads) thread.join();
     EXPECT_EQ(Text(1112), "R3D");
+}
+
+TEST(TemporaryText, ComesRoundTheRing) {
+    HKTLANG lang = nullptr;
+    ASSERT_EQ(KtLang_Open(&lang, KtKernel_GetAppKernel(), 0, 1), S_OK);  // the least ring, of 2048
+    WCHAR* const first = KtGetTempStringBuffer(lang, 1024);
+    ASSERT_NE(first, nullptr);
+    std::fill_n(first, 1025, W('x'));
+    EXPECT_EQ(KtGetTempStringBuffer(lang, 7), first);  // 1026 is past 2048 less the headroom
+    WCHAR* const next = KtGetTempStringBuffer(lang, 0);
+    EXPECT_EQ(next, first + 8);  // 7 and 2, made even
+    EXPECT_EQ(*next, 0);
+    EXPECT_EQ(KtGetTempStringBuffer(lang, 1012), first + 10);
+    WCHAR* const last = KtGetTempStringBuffer(lang, 1024);
+    EXPECT_EQ(last, first + 1024);  // the last place where a text may begin
+    std::fill_n(last, 1025, W('x'));
+    EXPECT_EQ(KtGetTempStringBuffer(lang, 1), first);
+    EXPECT_EQ(KtGetTempStringBuffer(lang, 1025), nullptr);
+    EXPECT_EQ(KtGetTempStringBuffer(nullptr, 1), nullptr);
+    KtLang_Close(lang);
 }
 
 TEST(ModuleFileName, IsCutAndTerminated) {
