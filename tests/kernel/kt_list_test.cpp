@@ -27,7 +27,7 @@ using List = std::unique_ptr<tKTLIST, Destroy>;
 constexpr uint32_t kPlain = 0;
 constexpr uint32_t kHeapKinds[] = {KTLIST_HEAP, KTLIST_HEAP | KTLIST_PRIVATE_HEAP, KTLIST_HEAP | KTLIST_LOCKED};
 
-List Make(uint32_t options, uintptr_t item_size = 4, int32_t count = 0, int32_t grow_by = 4) {
+List Make(uint32_t options, uintptr_t item_size = 4, int32_t count = 1, int32_t grow_by = 4) {
     tKTLIST* list = nullptr;
     EXPECT_EQ(KtList_CreateExZ(&list, item_size, count, grow_by, options, nullptr, nullptr, 0), S_OK);
     return List(list);
@@ -337,7 +337,7 @@ TEST(List, ReallocatesItemsAndSaysTheirSizes) {
         EXPECT_EQ(item[0], 6);
         EXPECT_EQ(std::count(item + 4, item + 1000, 0), 996);
         EXPECT_EQ(KtList_AllocSize(list.get(), 1), 1000);
-        EXPECT_EQ(KtList_AllocSize(list.get(), -1), static_cast<intptr_t>(sizeof(tKTLIST)) + 16 * 8 + 1004);
+        EXPECT_EQ(KtList_AllocSize(list.get(), -1), static_cast<intptr_t>(sizeof(tKTLIST)) + 4 * 8 + 1004);
         EXPECT_EQ(KtList_ReAllocItem(list.get(), 1, 4), S_OK);
         EXPECT_EQ(ValuesOf(list), (std::vector<int32_t>{5, 6}));
         EXPECT_EQ(KtList_ReAllocItem(list.get(), 2, 4), E_FAIL);
