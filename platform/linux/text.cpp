@@ -1,5 +1,8 @@
 #include "platform/text.h"
 
+#include <locale.h>
+#include <wctype.h>
+
 #include <algorithm>
 #include <cstring>
 #include <limits>
@@ -232,3 +235,16 @@ extern "C" int lstrcmpW(const WCHAR* a, const WCHAR* b) noexcept {
 }
 
 extern "C" int lstrlenW(const WCHAR* text) noexcept { return text ? static_cast<int>(WStringView(text).size()) : 0; }
+
+namespace platform {
+
+WCHAR UpperCase(WCHAR c) noexcept {
+    if (c < 0x80) return c >= u'a' && c <= u'z' ? static_cast<WCHAR>(c - 0x20) : c;
+    static const locale_t unicode = newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr);
+    if (!unicode) return c;
+    const wint_t upper = towupper_l(c, unicode);
+    // The dotless i and the long s have capitals that are other letters' already.
+    return upper < 0x80 || upper > 0xFFFF ? c : static_cast<WCHAR>(upper);
+}
+
+}  // namespace platform

@@ -36,6 +36,16 @@ extern "C" int _snwprintf(WCHAR* out, std::size_t size, const WCHAR* format, ...
 
 namespace platform {
 
+// A character without its case, by no language's rules: 'i' and 'I' meet whoever the user is. One that has no capital
+// of its own in 16 bits stays as it is.
+#ifdef _WIN32
+inline WCHAR UpperCase(WCHAR c) noexcept {
+    return static_cast<WCHAR>(reinterpret_cast<ULONG_PTR>(CharUpperW(reinterpret_cast<WCHAR*>(ULONG_PTR{c}))));
+}
+#else
+WCHAR UpperCase(WCHAR c) noexcept;
+#endif
+
 // UTF-8 and UTF-16; what cannot be converted becomes U+FFFD. May throw std::bad_alloc.
 std::string Utf8(WStringView text);
 WString Wide(std::string_view utf8);
