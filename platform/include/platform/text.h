@@ -11,6 +11,8 @@
 #include <cstdlib>
 #include <cwchar>
 
+#include <shlwapi.h>
+
 #else
 
 inline constexpr UINT CP_ACP = 0;
@@ -26,6 +28,10 @@ extern "C" int WideCharToMultiByte(UINT code_page, DWORD flags, const WCHAR* in,
 
 extern "C" int lstrcmpW(const WCHAR* a, const WCHAR* b) noexcept;
 extern "C" int lstrlenW(const WCHAR* text) noexcept;
+// For lists of names: without case, and with runs of digits compared as numbers of any length. -1, 0 or 1.
+extern "C" int StrCmpLogicalW(const WCHAR* a, const WCHAR* b) noexcept;
+// The next character of the narrow code page, which has one byte to each here; the terminator is not passed.
+extern "C" char* CharNextA(const char* text) noexcept;
 
 // The C runtime's bounded wide printf with the Microsoft reading of %s, %c and I64: -1 when cut short, and then
 // without a terminator.
