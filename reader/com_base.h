@@ -41,15 +41,4 @@ HRESULT HandOut(Interface* interface, void** out) noexcept {
     return S_OK;
 }
 
-// The answer of both streams: the interface with a reference, S_OK for a known id and a null out, null and
-// E_NOINTERFACE for others.
-template <class Interface>
-HRESULT HandOutStream(Interface* interface, bool known, void** out) noexcept {
-    if (!known) {
-        if (out) *out = nullptr;
-        return E_NOINTERFACE;
-    }
-    return out ? HandOut(interface, out) : S_OK;
-}
-
 }  // namespace clipfio

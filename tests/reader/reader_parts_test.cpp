@@ -45,6 +45,17 @@ TEST(VideoSize, QualityChoosesTheModeOnlyAtHalfSize) {
     }
 }
 
+// Release calls it at zero; the host's slots end before it.
+TEST(StreamSlots, TheDestructorStandsBehindTheHostsSlots) {
+    const auto destroy = [](void* stream, int slot) {
+        using Destroy = void* (*)(void*, uint32_t);
+        return reinterpret_cast<Destroy>((*static_cast<void***>(stream))[slot])(stream, 1);
+    };
+    const ClipField no_clip = nullptr;
+    EXPECT_EQ(destroy(CReadVideoStream::Make(nullptr, &no_clip), 23), nullptr);
+    EXPECT_EQ(destroy(CReadAudioStream::Make(nullptr, &no_clip), 19), nullptr);
+}
+
 TEST(Timecode, IsReadIntoUnitsOf100Nanoseconds) {
     constexpr int64_t kMost = std::numeric_limits<int64_t>::max();
     constexpr struct {
