@@ -26,7 +26,10 @@ extern "C" int MultiByteToWideChar(UINT code_page, DWORD flags, const char* in, 
 extern "C" int WideCharToMultiByte(UINT code_page, DWORD flags, const WCHAR* in, int in_length, char* out, int out_size,
                                    const char* substitute, BOOL* substituted) noexcept;
 
+// The order of a list for people: signs, digits, letters; accents and then case decide only between texts that are
+// alike in all else. lstrcmpiW passes over case. The same for every locale of the user and the thread.
 extern "C" int lstrcmpW(const WCHAR* a, const WCHAR* b) noexcept;
+extern "C" int lstrcmpiW(const WCHAR* a, const WCHAR* b) noexcept;
 extern "C" int lstrlenW(const WCHAR* text) noexcept;
 // For lists of names: without case, and with runs of digits compared as numbers of any length. -1, 0 or 1.
 extern "C" int StrCmpLogicalW(const WCHAR* a, const WCHAR* b) noexcept;
