@@ -2,6 +2,7 @@
 
 import json
 import os
+import shlex
 import shutil
 import struct
 import subprocess
@@ -9,8 +10,8 @@ import tempfile
 import unittest
 import zlib
 
-PROGRAM = os.environ["CLIPFIO"]
-BIN = os.path.dirname(PROGRAM)
+# The program, with what starts it before it where the system does not run it by itself.
+COMMAND = shlex.split(os.environ["CLIPFIO"])
 TIMEOUT = 120
 
 
@@ -41,7 +42,7 @@ class CommandTest(unittest.TestCase):
         self.env = environment(KT_REGISTRY=os.path.join(self.folder, ".registry"))
 
     def clipfio(self, *args, stdin=b"", env=None, expect=0):
-        done = subprocess.run([PROGRAM, *map(str, args)], input=stdin, capture_output=True, cwd=self.folder,
+        done = subprocess.run([*COMMAND, *map(str, args)], input=stdin, capture_output=True, cwd=self.folder,
                               env=env or self.env, timeout=TIMEOUT, check=False)
         result = Result(done)
         if expect is not None:

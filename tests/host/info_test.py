@@ -4,7 +4,7 @@ import os
 import subprocess
 import unittest
 
-from harness import PROGRAM, TIMEOUT, CommandTest
+from harness import COMMAND, TIMEOUT, CommandTest
 
 NULL = type(None)
 # The type of each member of an entry; "values" are checked apart.
@@ -140,7 +140,7 @@ class Info(CommandTest):
 
     def test_reader_that_goes_away(self):
         self.sample()
-        with subprocess.Popen([PROGRAM, "info", "--json", *["a.r3d"] * 40], stdout=subprocess.PIPE,
+        with subprocess.Popen([*COMMAND, "info", "--json", *["a.r3d"] * 40], stdout=subprocess.PIPE,
                               stderr=subprocess.PIPE, cwd=self.folder, env=self.env) as process:
             process.stdout.close()
             error = process.stderr.read()
@@ -149,7 +149,7 @@ class Info(CommandTest):
     def test_full_disk(self):
         self.sample()
         with open("/dev/full", "wb") as full:
-            done = subprocess.run([PROGRAM, "info", "a.r3d"], stdout=full, stderr=subprocess.PIPE, cwd=self.folder,
+            done = subprocess.run([*COMMAND, "info", "a.r3d"], stdout=full, stderr=subprocess.PIPE, cwd=self.folder,
                                   env=self.env, timeout=TIMEOUT, check=False)
         self.assertEqual(done.returncode, 1)
         self.assertIn(b"cannot write to standard output", done.stderr)
