@@ -20,6 +20,15 @@ std::vector<std::string> Arguments(int argc, char** argv) {
     return arguments;
 }
 
+std::string ProgramFile() {
+    WString path(MAX_PATH, 0);
+    for (;;) {
+        const DWORD length = GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size()));
+        if (length < path.size()) return Utf8({path.data(), length});
+        path.resize(path.size() * 2);
+    }
+}
+
 void PrepareStandardStreams() noexcept {
     _setmode(_fileno(stdin), _O_BINARY);
     _setmode(_fileno(stdout), _O_BINARY);
