@@ -160,20 +160,6 @@ int Utf8FromWide(const WCHAR* in, std::size_t length, bool strict, Output<char> 
     return output.Result();
 }
 
-// The order of two characters in a list for people: signs, then digits, then letters.
-int ClassOf(WCHAR c) noexcept {
-    if (c >= u'0' && c <= u'9') return 1;
-    const WCHAR lower = c | 0x20;
-    return (lower >= u'a' && lower <= u'z') || c >= 0xC0 ? 2 : 0;
-}
-
-WCHAR FoldCase(WCHAR c) noexcept {
-    const bool upper = (c >= u'A' && c <= u'Z') || (c >= 0xC0 && c <= 0xDE && c != 0xD7);
-    return upper ? static_cast<WCHAR>(c + 0x20) : c;
-}
-
-int Sign(int difference) noexcept { return difference < 0 ? -1 : difference > 0 ? 1 : 0; }
-
 }  // namespace
 
 extern "C" int MultiByteToWideChar(UINT code_page, DWORD flags, const char* in, int in_length, WCHAR* out,
@@ -212,23 +198,6 @@ extern "C" int WideCharToMultiByte(UINT code_page, DWORD flags, const WCHAR* in,
     }
     if (substituted) *substituted = used;
     return output.Result();
-}
-
-extern "C" int lstrcmpW(const WCHAR* a, const WCHAR* b) noexcept {
-    if (!a || !b) return (a ? 1 : 0) - (b ? 1 : 0);
-    int tie = 0;
-    for (;; ++a, ++b) {
-        if (*a == *b) {
-            if (*a == 0) return tie;
-            continue;
-        }
-        if (*a == 0 || *b == 0) return *a ? 1 : -1;
-        const int classes = ClassOf(*a) - ClassOf(*b);
-        const int folded = FoldCase(*a) - FoldCase(*b);
-        if (classes != 0 || folded != 0) return Sign(classes != 0 ? classes : folded);
-        // Letters that differ in case only: the small one comes first, if nothing else decides.
-        if (tie == 0) tie = Sign(*b - *a);
-    }
 }
 
 extern "C" int lstrlenW(const WCHAR* text) noexcept { return text ? static_cast<int>(WStringView(text).size()) : 0; }

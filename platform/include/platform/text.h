@@ -24,7 +24,10 @@ extern "C" int MultiByteToWideChar(UINT code_page, DWORD flags, const char* in, 
 extern "C" int WideCharToMultiByte(UINT code_page, DWORD flags, const WCHAR* in, int in_length, char* out, int out_size,
                                    const char* substitute, BOOL* substituted) noexcept;
 
+// The order of a list for people: signs, digits, letters; accents and then case decide only between texts that are
+// alike in all else. lstrcmpiW passes over case. The same for every locale of the user and the thread.
 extern "C" int lstrcmpW(const WCHAR* a, const WCHAR* b) noexcept;
+extern "C" int lstrcmpiW(const WCHAR* a, const WCHAR* b) noexcept;
 extern "C" int lstrlenW(const WCHAR* text) noexcept;
 
 // The C runtime's bounded wide printf with the Microsoft reading of %s, %c and I64: -1 when cut short, and then
