@@ -7,8 +7,8 @@
 #include <new>
 
 #include "audio/wave_format.h"
+#include "kernel/time_units.h"
 #include "reader/read_file.h"
-#include "reader/time_units.h"
 
 namespace clipfio {
 namespace {

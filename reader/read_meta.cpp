@@ -6,8 +6,8 @@
 
 #include "kernel/print.h"
 #include "kernel/text_copy.h"
+#include "kernel/time_units.h"
 #include "r3dsdk/clip_operations.h"
-#include "reader/time_units.h"
 
 namespace clipfio {
 namespace {

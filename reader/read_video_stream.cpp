@@ -7,10 +7,10 @@
 #include <new>
 
 #include "kernel/text_copy.h"
+#include "kernel/time_units.h"
 #include "reader/frame_delivery.h"
 #include "reader/plugin_module.h"
 #include "reader/read_file.h"
-#include "reader/time_units.h"
 #include "settings/decode_properties_file.h"
 #include "settings/media_property_editor.h"
 
