@@ -1,7 +1,7 @@
 // The language context: where the module's texts come from, and in which language.
 //
-// Texts have two sources: string resources, which are numbered and are looked up in a language's satellite file and then
-// in the base module, and rows of a table with one text for each of 18 languages.
+// Texts have two sources: string resources, which are numbered and are looked up in a language's satellite file and
+// then in the base module, and rows of a table with one text for each of 18 languages.
 //
 // A handle may be used from any thread. Texts that it gives live until the language changes or the handle is closed, so
 // change the language at a quiet moment.
@@ -22,7 +22,8 @@ struct KTLANGSTRINGROW {
     uint16_t signature;
     uint16_t count;  // of entries, in its low 8 bits
     uint32_t reserved;
-    // Texts, English first. A value below 0x10000 is a string id and is replaced by the text when it is first asked for.
+    // Texts, English first. A value below 0x10000 is a string id and is replaced by the text when it is first asked
+    // for.
     const WCHAR* entries[kKtLanguages];
     uintptr_t terminator;  // 0
 };
@@ -30,8 +31,9 @@ struct KTLANGSTRINGROW {
 // The address of a row, which names it.
 using KTLANGSTRINGID = const WCHAR* const*;
 
-// Opens a context over `base`, which stays the caller's. Its satellite file is the base module's with the extension LNG.
-// `lcid` 0: not set. `ring_size`: temporary text space in characters, 0 for 8192, at least 2048. 0; 0x0004E001 when
+// Opens a context over `base`, which stays the caller's. Its satellite file is the base module's with the extension
+// LNG. `lcid` 0: not set. `ring_size`: temporary text space in characters, 0 for 8192, at least 2048. 0; 0x0004E001
+// when
 // `*handle` is not null, and then nothing is done; E_OUTOFMEMORY.
 KT_API HRESULT KtLang_Open(HKTLANG* handle, HMODULE base, LCID lcid, uint32_t ring_size) noexcept;
 KT_API HRESULT KtLang_Close(HKTLANG handle) noexcept;  // null is accepted; always 0
@@ -66,8 +68,8 @@ KT_EXPORT int32_t KtLoadString(HKTLANG handle, KTLANGSTRINGID row, WCHAR* buffer
 // characters.
 KT_API WCHAR* KtGetTempStringBuffer(HKTLANG handle, uint32_t length) noexcept;
 
-// Conversions by way of the ring; a text that is too long for it, or no handle, gives the empty text. The first two give
-// the text itself.
+// Conversions by way of the ring; a text that is too long for it, or no handle, gives the empty text. The first two
+// give the text itself.
 KT_API const WCHAR* KtGetPrintFromWideString(HKTLANG handle, const WCHAR* text) noexcept;
 KT_API const WCHAR* KtGetWideFromPrintString(HKTLANG handle, const WCHAR* text) noexcept;
 KT_API const WCHAR* KtGetPrintFromMultiByteString(HKTLANG handle, const char* text) noexcept;  // of the ANSI code page

@@ -127,7 +127,7 @@ int32_t KtLang_DetectMultiByteCharacters(const char* bytes, int32_t length) noex
     int type = 0;
     for (; at != end && *at != 0; ++at) {
         type = _mbbtype(*at, type);
-        if (type == kTrailByte) return 1;
+        if (type == _MBC_TRAIL) return 1;
     }
     return 0;
 }
@@ -137,8 +137,8 @@ HRESULT KtLang_DetectPossibleCodepage(const char* text, int32_t length, uint32_t
     *code_page = 0;
     if (!text || length < 0) return E_INVALIDARG;
     platform::ComPtr<IMultiLanguage2> languages;
-    const HRESULT made = CoCreateInstance(CLSID_CMultiLanguage, nullptr, CLSCTX_INPROC_SERVER, IID_IMultiLanguage2,
-                                          languages.OutVoid());
+    const HRESULT made =
+        CoCreateInstance(CLSID_CMultiLanguage, nullptr, CLSCTX_INPROC_SERVER, IID_IMultiLanguage2, languages.OutVoid());
     if (FAILED(made)) return made;
     DetectEncodingInfo found[10] = {};
     INT bytes = length;
@@ -163,7 +163,6 @@ int32_t KtEnumResourceLanguages(HKTLANG handle, uint32_t id, WCHAR* buffer, int3
     const HMODULE satellite = handle ? handle->Satellite() : nullptr;
     if (!satellite || id > 0xFFFF) return 0;
     LanguageList list;
-    EnumResourceLanguagesW(satellite, RT_VERSION, MAKEINTRESOURCEW(id), AddLanguage,
-                           reinterpret_cast<LONG_PTR>(&list));
+    EnumResourceLanguagesW(satellite, RT_VERSION, MAKEINTRESOURCEW(id), AddLanguage, reinterpret_cast<LONG_PTR>(&list));
     return CopyText(buffer, size, list.text);
 }

@@ -6,14 +6,14 @@
 
 #include "kernel/lang.h"
 
-// The language that texts are looked for under: the region is dropped, except that Chinese is either simplified (0x0804)
-// or traditional (0x0404) and that Portuguese stays as it is.
+// The language that texts are looked for under: the region is dropped, except that Chinese is either simplified
+// (0x0804) or traditional (0x0404) and that Portuguese stays as it is.
 KT_API LCID KtLang_GetConditionedLCID(LCID lcid) noexcept;
 
 // The system's abbreviation of the handle's conditioned language, such as "DEU". 1; on failure 0 and an empty text.
 KT_API int32_t KtLang_GetLangAbbrev(HKTLANG handle, WCHAR* buffer, int32_t size) noexcept;
-// The tag of the handle's language, such as "de-DE", by primary language. 0; 1 and an empty text for English and for any
-// language that has no tag here.
+// The tag of the handle's language, such as "de-DE", by primary language. 0; 1 and an empty text for English and for
+// any language that has no tag here.
 KT_API int32_t KtLang_GetLangllCC(HKTLANG handle, WCHAR* buffer, int32_t size) noexcept;
 
 KT_API int32_t KtLang_UseRTL(HKTLANG handle) noexcept;  // 1 for a language that is written from right to left

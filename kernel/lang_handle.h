@@ -39,7 +39,7 @@ struct FoundResource {
 struct KtLang : clipfio::HeapObject {
     HMODULE base = nullptr;
     int32_t lock_initialised = 0;
-    CRITICAL_SECTION lock;  // guards the ring's position and the cache
+    CRITICAL_SECTION lock;   // guards the ring's position and the cache
     uint32_t ring_size = 0;  // characters
     uint32_t ring_headroom = 0;
     uint32_t ring_position = 0;  // the next free one

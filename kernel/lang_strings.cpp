@@ -88,7 +88,8 @@ const WCHAR* ResolveId(HMODULE module, uint32_t id, int32_t column) noexcept {
     const WStringView text = TextOfBlock(block.bytes, block.size, id);
     if (text.empty()) return nullptr;
     if (text.back() == 0) return text.data();
-    const auto used = static_cast<std::size_t>(reinterpret_cast<const uint8_t*>(text.data() + text.size()) - block.bytes);
+    const auto used =
+        static_cast<std::size_t>(reinterpret_cast<const uint8_t*>(text.data() + text.size()) - block.bytes);
     return block.size - used >= sizeof(WCHAR) && text.data()[text.size()] == 0 ? text.data() : nullptr;
 }
 

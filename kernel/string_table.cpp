@@ -37,10 +37,11 @@ struct Column {
 };
 
 constexpr Column kColumns[] = {
-    {0x0409, &Texts::en},    {0x0411, &Texts::ja},    {0x0407, &Texts::de}, {0x040A, &Texts::es}, {0x040C, &Texts::fr},
-    {0x0804, &Texts::zh_cn}, {0x0404, &Texts::zh_tw}, {0x0406, &Texts::da}, {0x040B, &Texts::fi}, {0x0410, &Texts::it},
-    {0x0412, &Texts::ko},    {0x0413, &Texts::nl},    {0x0414, &Texts::nb}, {0x0416, &Texts::pt_br},
-    {0x0816, &Texts::pt_pt}, {0x0419, &Texts::ru},    {0x041D, &Texts::sv}, {0x0415, &Texts::pl},
+    {0x0409, &Texts::en}, {0x0411, &Texts::ja},    {0x0407, &Texts::de},    {0x040A, &Texts::es},
+    {0x040C, &Texts::fr}, {0x0804, &Texts::zh_cn}, {0x0404, &Texts::zh_tw}, {0x0406, &Texts::da},
+    {0x040B, &Texts::fi}, {0x0410, &Texts::it},    {0x0412, &Texts::ko},    {0x0413, &Texts::nl},
+    {0x0414, &Texts::nb}, {0x0416, &Texts::pt_br}, {0x0816, &Texts::pt_pt}, {0x0419, &Texts::ru},
+    {0x041D, &Texts::sv}, {0x0415, &Texts::pl},
 };
 static_assert(std::size(kColumns) == kKtLanguages);
 
@@ -103,8 +104,7 @@ consteval auto MakePool() {
     return pool;
 }
 
-#define KT_STRING_POOL(column) \
-    [[gnu::section("strings")]] constexpr auto kPool##column = MakePool<column>();
+#define KT_STRING_POOL(column) [[gnu::section("strings")]] constexpr auto kPool##column = MakePool<column>();
 KT_STRING_POOL(0)
 KT_STRING_POOL(1)
 KT_STRING_POOL(2)
@@ -125,8 +125,8 @@ KT_STRING_POOL(16)
 KT_STRING_POOL(17)
 
 constexpr const WCHAR* kPools[] = {
-    kPool0.data(), kPool1.data(), kPool2.data(),  kPool3.data(),  kPool4.data(),  kPool5.data(),
-    kPool6.data(), kPool7.data(), kPool8.data(),  kPool9.data(),  kPool10.data(), kPool11.data(),
+    kPool0.data(),  kPool1.data(),  kPool2.data(),  kPool3.data(),  kPool4.data(),  kPool5.data(),
+    kPool6.data(),  kPool7.data(),  kPool8.data(),  kPool9.data(),  kPool10.data(), kPool11.data(),
     kPool12.data(), kPool13.data(), kPool14.data(), kPool15.data(), kPool16.data(), kPool17.data(),
 };
 static_assert(std::size(kPools) == kKtLanguages);
@@ -152,8 +152,8 @@ consteval StringTable MakeTable() {
 
 [[gnu::section("ktlang_t")]] constinit StringTable g_string_table = MakeTable();
 
-#define KT_STRING_ROW(name, ...) \
-    const KTLANGSTRINGID kKtStr##name =  \
+#define KT_STRING_ROW(name, ...)        \
+    const KTLANGSTRINGID kKtStr##name = \
         reinterpret_cast<KTLANGSTRINGID>(&g_string_table.rows[static_cast<std::size_t>(StringRow::k##name)]);
 #include "kernel/strings/all_rows.inc"
 #undef KT_STRING_ROW
