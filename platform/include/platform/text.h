@@ -11,6 +11,8 @@
 #include <cstdlib>
 #include <cwchar>
 
+#include <mbctype.h>
+#include <mbstring.h>
 #include <shlwapi.h>
 
 #else
@@ -35,6 +37,13 @@ extern "C" int lstrlenW(const WCHAR* text) noexcept;
 extern "C" int StrCmpLogicalW(const WCHAR* a, const WCHAR* b) noexcept;
 // The next character of the narrow code page, which has one byte to each here; the terminator is not passed.
 extern "C" char* CharNextA(const char* text) noexcept;
+
+// The C runtime's code page of several bytes, and what a byte of a text in it is after one of `type`. There is none
+// here, so the first gives 0 and every byte stands for itself.
+inline constexpr int _MBC_SINGLE = 0;
+inline constexpr int _MBC_TRAIL = 2;
+extern "C" int _getmbcp() noexcept;
+extern "C" int _mbbtype(unsigned char byte, int type) noexcept;
 
 // The C runtime's bounded wide printf with the Microsoft reading of %s, %c and I64: -1 when cut short, and then
 // without a terminator.
