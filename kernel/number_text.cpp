@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "kernel/characters.h"
 #include "kernel/text_copy.h"
 #include "platform/locale.h"
 
@@ -9,8 +10,6 @@ namespace clipfio {
 namespace {
 
 constexpr std::size_t kLongestNumber = 512;  // characters of a number that has blanks behind it
-
-bool IsDigit(WCHAR c) noexcept { return c >= W('0') && c <= W('9'); }
 
 // What a field width put in front: everything up to a sign, a point, or the digits that count.
 std::size_t LeadingLength(WStringView source) noexcept {

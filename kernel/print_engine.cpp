@@ -5,6 +5,7 @@
 #include <cmath>
 #include <limits>
 
+#include "kernel/characters.h"
 #include "kernel/digits.h"
 #include "kernel/internationals.h"
 #include "kernel/number_text.h"
@@ -75,8 +76,6 @@ constexpr auto kIsConversion = [] {
     for (std::size_t i = 0; i < table.size(); ++i) table[i] = IsConversion(static_cast<WCHAR>(i));
     return table;
 }();
-
-constexpr bool IsDigit(WCHAR c) noexcept { return c >= W('0') && c <= W('9'); }
 
 // Letters that the runtime would take for conversions of its own, with an argument that is not there.
 constexpr WStringView kForeignLetters = W("ACFSZanp");
