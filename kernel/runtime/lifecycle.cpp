@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "kernel/internationals.h"
 #include "kernel/lang.h"
 
 namespace {
@@ -13,7 +14,9 @@ constinit HMODULE g_app_kernel = nullptr;
 bool KtKernel_EarlyInitialize(HMODULE module, uint32_t) noexcept {
     g_app_kernel = module;
     HKTLANG& language = clipfio::KernelLanguage();
-    return language || SUCCEEDED(KtLang_Open(&language, module, 0, 0));
+    if (!language && FAILED(KtLang_Open(&language, module, 0, 0))) return false;
+    KtLang_GetInternationals(nullptr, 0);
+    return true;
 }
 
 int32_t KtKernel_LateTerminate(HMODULE) noexcept {

@@ -10,7 +10,6 @@ namespace platform {
 inline constexpr DWORD ERROR_INVALID_FUNCTION = 1;
 inline constexpr DWORD ERROR_BAD_NETPATH = 53;
 inline constexpr DWORD ERROR_SEEK_ON_DEVICE = 132;
-inline constexpr DWORD ERROR_BUSY = 170;
 inline constexpr DWORD ERROR_DISCARDED = 157;
 inline constexpr DWORD ERROR_NOT_LOCKED = 158;
 inline constexpr DWORD ERROR_MR_MID_NOT_FOUND = 317;

@@ -96,6 +96,7 @@ bool Destroy(HandleSlot& slot) noexcept {
         case HandleType::kProcess:
             DestroyProcess(slot);
             return true;
+        case HandleType::kKey:
         case HandleType::kNone:
             break;
     }
@@ -205,6 +206,14 @@ HANDLE NewMutexHandle() noexcept {
     pthread_mutex_init(&slot->mutex, &attributes);
     pthread_mutexattr_destroy(&attributes);
     return Publish(*slot, HandleType::kMutex);
+}
+
+HANDLE NewKeyHandle(const KeyFacts& key, DWORD access) noexcept {
+    HandleSlot* const slot = TakeSlot();
+    if (!slot) return nullptr;
+    slot->flags = access;
+    slot->key = key;
+    return Publish(*slot, HandleType::kKey);
 }
 
 HANDLE NewAliasHandle(HANDLE handle, DWORD rights) noexcept {

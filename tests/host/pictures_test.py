@@ -6,7 +6,7 @@ import subprocess
 import time
 import unittest
 
-from harness import PROGRAM, TIMEOUT, CommandTest, read_pfm, read_png
+from harness import COMMAND, TIMEOUT, CommandTest, read_pfm, read_png
 
 HEADER = 512
 
@@ -160,7 +160,7 @@ class Pictures(CommandTest):
     def test_interrupt_leaves_whole_files(self):
         self.sample("a.r3d", "--size", "640x360", "--frames", "120", "--channels", "0")
         os.mkdir(self.path("d"))
-        with subprocess.Popen([PROGRAM, "export", "a.r3d", "d", "--jobs", "2"], stderr=subprocess.PIPE, cwd=self.folder,
+        with subprocess.Popen([*COMMAND, "export", "a.r3d", "d", "--jobs", "2"], stderr=subprocess.PIPE, cwd=self.folder,
                               env=self.env) as process:
             deadline = time.monotonic() + TIMEOUT
             while len(self.names("d")) < 3 and time.monotonic() < deadline and process.poll() is None:
@@ -184,7 +184,7 @@ class Pictures(CommandTest):
 
     def test_pipe_whose_reader_goes_away(self):
         self.sample("a.r3d", "--size", "320x180", "--frames", "24")
-        with subprocess.Popen([PROGRAM, "pipe", "a.r3d"], stdout=subprocess.PIPE, stderr=subprocess.PIPE,
+        with subprocess.Popen([*COMMAND, "pipe", "a.r3d"], stdout=subprocess.PIPE, stderr=subprocess.PIPE,
                               cwd=self.folder, env=self.env) as process:
             process.stdout.read(1000)
             process.stdout.close()
@@ -195,7 +195,7 @@ class Pictures(CommandTest):
     def test_bar_on_a_terminal(self):
         self.sample()
         terminal, screen = os.openpty()
-        done = subprocess.run([PROGRAM, "export", "a.r3d", "d"], stderr=screen, stdout=subprocess.PIPE, cwd=self.folder,
+        done = subprocess.run([*COMMAND, "export", "a.r3d", "d"], stderr=screen, stdout=subprocess.PIPE, cwd=self.folder,
                               env=self.env, timeout=TIMEOUT, check=False)
         os.close(screen)
         shown = os.read(terminal, 100000).decode()

@@ -8,6 +8,7 @@
 #include "platform/memory.h"
 #include "platform/modules.h"
 #include "platform/process.h"
+#include "platform/registry.h"
 #include "platform/resources.h"
 #include "platform/sync.h"
 #include "platform/text.h"
@@ -54,6 +55,9 @@ static_assert(ERROR_NEGATIVE_SEEK == 131 && ERROR_ALREADY_EXISTS == 183 && ERROR
 static_assert(ERROR_ENVVAR_NOT_FOUND == 203 && ERROR_FILENAME_EXCED_RANGE == 206 && ERROR_NOT_OWNER == 288);
 static_assert(ERROR_PARTIAL_COPY == 299 && ERROR_INVALID_ADDRESS == 487 && ERROR_NOACCESS == 998);
 static_assert(ERROR_NO_UNICODE_TRANSLATION == 1113 && ERROR_INTERNAL_ERROR == 1359);
+static_assert(ERROR_BAD_PATHNAME == 161 && ERROR_BUSY == 170 && ERROR_MORE_DATA == 234 && ERROR_NO_MORE_ITEMS == 259);
+static_assert(ERROR_BADKEY == 1010 && ERROR_CANTOPEN == 1011 && ERROR_REGISTRY_CORRUPT == 1015);
+static_assert(ERROR_REGISTRY_IO_FAILED == 1016 && ERROR_KEY_DELETED == 1018);
 static_assert(ERROR_RESOURCE_TYPE_NOT_FOUND == 1813 && ERROR_RESOURCE_NAME_NOT_FOUND == 1814 &&
               ERROR_RESOURCE_LANG_NOT_FOUND == 1815);
 
@@ -76,4 +80,18 @@ static_assert(STARTF_USESTDHANDLES == 0x100 && HANDLE_FLAG_INHERIT == 1 && STILL
 static_assert(STGM_READ == 0 && STGM_WRITE == 1 && STGM_READWRITE == 2 && STGM_CREATE == 0x1000);
 static_assert(STREAM_SEEK_SET == 0 && STREAM_SEEK_CUR == 1 && STREAM_SEEK_END == 2);
 static_assert(CP_ACP == 0 && CP_UTF8 == 65001 && MB_PRECOMPOSED == 1 && MB_ERR_INVALID_CHARS == 8);
-static_assert(LOCALE_USER_DEFAULT == 0x0400);
+static_assert(LOCALE_USER_DEFAULT == 0x0400 && LOCALE_SYSTEM_DEFAULT == 0x0800 && LOCALE_INVARIANT == 0x7F);
+static_assert(LOCALE_ILANGUAGE == 1 && LOCALE_SLANGUAGE == 2 && LOCALE_SABBREVLANGNAME == 3 && LOCALE_ICOUNTRY == 5);
+static_assert(LOCALE_SCOUNTRY == 6 && LOCALE_SLIST == 0xC && LOCALE_IMEASURE == 0xD && LOCALE_SDECIMAL == 0xE);
+static_assert(LOCALE_STHOUSAND == 0xF && LOCALE_SGROUPING == 0x10 && LOCALE_IDIGITS == 0x11 && LOCALE_ILZERO == 0x12);
+static_assert(LOCALE_STIME == 0x1E && LOCALE_SNEGATIVESIGN == 0x51);
+static_assert(LOCALE_SENGLANGUAGE == 0x1001 && LOCALE_SENGCOUNTRY == 0x1002);
+static_assert(sizeof(NUMBERFMTW) == 40 && offsetof(NUMBERFMTW, lpDecimalSep) == 16);
+static_assert(offsetof(NUMBERFMTW, lpThousandSep) == 24 && offsetof(NUMBERFMTW, NegativeOrder) == 32);
+
+static_assert(sizeof(HKEY) == 8 && sizeof(LSTATUS) == 4 && sizeof(REGSAM) == 4);
+static_assert(REG_NONE == 0 && REG_SZ == 1 && REG_EXPAND_SZ == 2 && REG_BINARY == 3 && REG_DWORD == 4);
+static_assert(REG_MULTI_SZ == 7 && REG_OPTION_NON_VOLATILE == 0);
+static_assert(REG_CREATED_NEW_KEY == 1 && REG_OPENED_EXISTING_KEY == 2);
+static_assert(KEY_QUERY_VALUE == 1 && KEY_SET_VALUE == 2 && KEY_CREATE_SUB_KEY == 4 && KEY_ENUMERATE_SUB_KEYS == 8);
+static_assert(KEY_READ == 0x20019 && KEY_WRITE == 0x20006 && KEY_ALL_ACCESS == 0xF003F);

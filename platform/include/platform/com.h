@@ -91,4 +91,11 @@ extern "C" void CoTaskMemFree(void* block) noexcept;
 // is left and may be tried again. The end on Read is S_FALSE. Clone, Revert and the locks are E_NOTIMPL.
 extern "C" HRESULT SHCreateStreamOnFileW(const WCHAR* path, DWORD mode, IStream** out) noexcept;
 
+// A stream over a block of the global heap, used by one thread at a time; null makes a new block. With `free_block` the
+// last Release frees the block. A stream that outgrows its block moves to another: only GetHGlobalFromStream knows the
+// block of a stream that was written to. Reading at the end is S_OK. Clone, Revert and the locks are E_NOTIMPL.
+extern "C" HRESULT CreateStreamOnHGlobal(HGLOBAL block, BOOL free_block, IStream** out) noexcept;
+// E_INVALIDARG for any other stream. The block stays the stream's, and may be longer than what the stream holds.
+extern "C" HRESULT GetHGlobalFromStream(IStream* stream, HGLOBAL* out) noexcept;
+
 #endif
