@@ -83,6 +83,34 @@ class Pictures(CommandTest):
         self.assertIn("lies behind", self.clipfio("pipe", "a.r3d", "--from", "5", "--to", "4", expect=2).err)
         self.assertEqual(self.names(), ["a.r3d", "cut.r3d"])
 
+    def test_frames_by_their_timecode(self):
+        pixels = 16 * 16 * 3
+        for rate, first, names in [
+                ("24", "01:00:00:22", {"01:00:00:22": 0, "1:0:0:23": 1, "01:00:01:00": 2, "01:00:01:01": 3}),
+                ("25", "23:59:59:23", {"23:59:59:24": 1, "00:00:00:00": 2, "00:00:00:01": 3}),
+                ("29.97", "00:00:59;28", {"00:00:59:29": 1, "00:01:00;02": 2, "00:01:00:03": 3, "00:01:00:00": None}),
+                ("29.97", "00:00:59:28", {"00:00:59:29": 1, "00:01:00:00": 2, "00:01:00;01": 3, "00:01:00:02": None}),
+                ("59.94", "00:01:59;58", {"00:01:59;59": 1, "00:02:00;04": 2, "00:02:00;03": None}),
+                ("23.976", "10:00:00:00", {"10:00:00:03": 3, "10:00:00:04": None, "09:59:59:23": None})]:
+            self.clipfio("make-clip", "a.r3d", "--size", "16x16", "--rate", rate, "--timecode", first,
+                         stdin=b"".join(bytes([0, 50 * n] * pixels) for n in range(4)))
+            for name, frame in names.items():
+                with self.subTest((rate, first, name)):
+                    if frame is None:
+                        result = self.clipfio("pipe", "a.r3d", "--from", name, expect=1)
+                        self.assertIn(f"no frame {name}: the clip has frames {first.replace(';', ':')} to", result.err)
+                        continue
+                    raw = self.pipe("a.r3d", "--from", name, "--to", name)
+                    self.assertEqual(raw, self.pipe("a.r3d", "--from", frame, "--to", frame))
+                    self.assertNotEqual(raw, self.pipe("a.r3d", "--from", (frame + 1) % 4, "--to", (frame + 1) % 4))
+        self.clipfio("frame", "a.r3d", "10:00:00:02")
+        self.clipfio("frame", "a.r3d", "2", "-o", "two.png")
+        self.assertEqual(self.read("a-2.png"), self.read("two.png"))
+        self.clipfio("export", "a.r3d", "d", "--from", "10:00:00:01", "--to", "2")
+        self.assertEqual(self.names("d"), ["000001.png", "000002.png"])
+        self.assertIn("lies behind", self.clipfio("export", "a.r3d", "d", "--from", "10:00:00:03", "--to", "1",
+                                                  expect=2).err)
+
     def test_outputs_that_cannot_be_written(self):
         self.sample()
         os.mkdir(self.path("folder"))
