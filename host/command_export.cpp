@@ -98,7 +98,7 @@ int Run(Context& context, const Options& options) {
     const InterruptScope interrupts;
     std::vector<Clip> clips;
     clips.push_back(OpenClip(context, options.clip));
-    const Range range = ParseFrameRange(options.range.from, options.range.to, clips[0].FrameCount());
+    const Range range = ParseFrameRange(options.range.from, options.range.to, clips[0]);
     for (uint64_t number = range.first; number <= range.last; ++number) {
         CheckOutput(FrameFile(options.folder, number), options.clip);
     }
