@@ -1,7 +1,7 @@
 #include "host/wav_writer.h"
 
+#include <array>
 #include <cstring>
-#include <vector>
 
 #include "host/failure.h"
 #include "platform/endian.h"
@@ -19,19 +19,27 @@ constexpr std::uint32_t kFactAt = 68;
 constexpr std::uint32_t kDataSizeAt = 76;
 constexpr std::uint64_t kMostDataBytes = 0xFFFFFFFFu - kHeaderBytes;
 
+// Has room for the header and no more.
 class HeaderBytes {
   public:
-    void Text(const char* four) { bytes_.insert(bytes_.end(), four, four + 4); }
-    void U16(std::uint16_t value) { Put(value, 2); }
-    void U32(std::uint32_t value) { Put(value, 4); }
-    void Raw(std::span<const std::uint8_t> bytes) { bytes_.insert(bytes_.end(), bytes.begin(), bytes.end()); }
-    [[nodiscard]] const std::vector<std::uint8_t>& Get() const { return bytes_; }
+    void Text(const char* four) { Put(four, 4); }
+    void U16(std::uint16_t value) { Number(value); }
+    void U32(std::uint32_t value) { Number(value); }
+    void Raw(std::span<const std::uint8_t> bytes) { Put(bytes.data(), bytes.size()); }
+    [[nodiscard]] std::span<const std::uint8_t> Get() const { return {bytes_.data(), at_}; }
 
   private:
-    void Put(std::uint32_t value, int count) {
-        for (int i = 0; i < count; ++i) bytes_.push_back(static_cast<std::uint8_t>(value >> (8 * i)));
+    void Put(const void* bytes, std::size_t count) {
+        std::memcpy(bytes_.data() + at_, bytes, count);
+        at_ += count;
     }
-    std::vector<std::uint8_t> bytes_;
+    template <class T>
+    void Number(T value) {
+        platform::StoreLittle(bytes_.data() + at_, value);
+        at_ += sizeof value;
+    }
+    std::array<std::uint8_t, kHeaderBytes> bytes_{};
+    std::size_t at_ = 0;
 };
 
 }  // namespace

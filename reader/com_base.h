@@ -33,23 +33,12 @@ class ObjectLock {
     platform::ScopedHandle mutex_;
 };
 
-// Hands `interface` out with a reference.
+// Hands `object` out with a reference.
 template <class Interface>
-HRESULT HandOut(Interface* interface, void** out) noexcept {
-    interface->AddRef();
-    *out = interface;
+HRESULT HandOut(Interface* object, void** out) noexcept {
+    object->AddRef();
+    *out = object;
     return S_OK;
-}
-
-// The answer of both streams: the interface with a reference, S_OK for a known id and a null out, null and
-// E_NOINTERFACE for others.
-template <class Interface>
-HRESULT HandOutStream(Interface* interface, bool known, void** out) noexcept {
-    if (!known) {
-        if (out) *out = nullptr;
-        return E_NOINTERFACE;
-    }
-    return out ? HandOut(interface, out) : S_OK;
 }
 
 }  // namespace clipfio

@@ -172,11 +172,6 @@ int ClassOf(WCHAR c) noexcept {
     return (lower >= u'a' && lower <= u'z') || c >= 0xC0 ? 2 : 0;
 }
 
-WCHAR FoldCase(WCHAR c) noexcept {
-    const bool upper = (c >= u'A' && c <= u'Z') || (c >= 0xC0 && c <= 0xDE && c != 0xD7);
-    return upper ? static_cast<WCHAR>(c + 0x20) : c;
-}
-
 int Sign(int difference) noexcept { return difference < 0 ? -1 : difference > 0 ? 1 : 0; }
 
 // The numbers that both texts begin with; both are moved behind them.
@@ -231,23 +226,6 @@ extern "C" int WideCharToMultiByte(UINT code_page, DWORD flags, const WCHAR* in,
     return output.Result();
 }
 
-extern "C" int lstrcmpW(const WCHAR* a, const WCHAR* b) noexcept {
-    if (!a || !b) return (a ? 1 : 0) - (b ? 1 : 0);
-    int tie = 0;
-    for (;; ++a, ++b) {
-        if (*a == *b) {
-            if (*a == 0) return tie;
-            continue;
-        }
-        if (*a == 0 || *b == 0) return *a ? 1 : -1;
-        const int classes = ClassOf(*a) - ClassOf(*b);
-        const int folded = FoldCase(*a) - FoldCase(*b);
-        if (classes != 0 || folded != 0) return Sign(classes != 0 ? classes : folded);
-        // Letters that differ in case only: the small one comes first, if nothing else decides.
-        if (tie == 0) tie = Sign(*b - *a);
-    }
-}
-
 extern "C" int lstrlenW(const WCHAR* text) noexcept { return text ? static_cast<int>(WStringView(text).size()) : 0; }
 
 extern "C" int StrCmpLogicalW(const WCHAR* a, const WCHAR* b) noexcept {
@@ -263,6 +241,9 @@ extern "C" int StrCmpLogicalW(const WCHAR* a, const WCHAR* b) noexcept {
         if (folded != 0) return Sign(classes != 0 ? classes : folded);
     }
 }
+
+extern "C" int _getmbcp() noexcept { return 0; }
+extern "C" int _mbbtype(unsigned char, int) noexcept { return _MBC_SINGLE; }
 
 extern "C" char* CharNextA(const char* text) noexcept { return const_cast<char*>(*text ? text + 1 : text); }
 

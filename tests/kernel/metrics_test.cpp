@@ -269,8 +269,12 @@ TEST_F(Metrics, AnyTypeIntoABuffer) {
         EXPECT_EQ(KtGetMetricAny(Handle(), row.metric, row.type, data, row.size, &got), row.result);
         EXPECT_EQ(got, row.got);
         EXPECT_EQ(reinterpret_cast<const char*>(data)[row.size], '#');
-        if (row.text) EXPECT_EQ(Utf8(data), row.text);
-        if (row.type == REG_BINARY && row.got == 5 && row.result == S_OK) EXPECT_EQ(std::memcmp(data, bytes, 5), 0);
+        if (row.text) {
+            EXPECT_EQ(Utf8(data), row.text);
+        }
+        if (row.type == REG_BINARY && row.got == 5 && row.result == S_OK) {
+            EXPECT_EQ(std::memcmp(data, bytes, 5), 0);
+        }
     }
     uint32_t got = 0;
     EXPECT_EQ(KtGetMetricAny(Handle(), 1, REG_SZ, nullptr, 0, &got), S_OK) << "its size only";
@@ -396,7 +400,9 @@ TEST_F(Metrics, Streams) {
         EXPECT_EQ(KtSetMetricStream(Handle(), 1, from.Get()), row.result) << row.size;
         const auto to = StreamOf("");
         EXPECT_EQ(KtGetMetricStream(Handle(), 1, to.Get()), row.result == S_OK ? S_OK : E_UNEXPECTED);
-        if (row.result == S_OK) EXPECT_EQ(ContentOf(to.Get()), content);
+        if (row.result == S_OK) {
+            EXPECT_EQ(ContentOf(to.Get()), content);
+        }
     }
     const auto other = StreamOf("something longer");
     ASSERT_EQ(KtSetMetricBinary(Handle(), 2, "short", 5), S_OK);
@@ -429,10 +435,14 @@ TEST_F(Metrics, DeletionTakesTheApplicationOrItsMetrics) {
     EXPECT_EQ(KtMetric_DeleteKeyHiveAndVersion(W("Tester"), 0x0E020000, company, nullptr), S_OK);
     EXPECT_FALSE(exists(W("\\14.2\\Metrics")));
     EXPECT_TRUE(exists(W("\\14.2\\Other")));
-    if (has_machine) EXPECT_FALSE(KeyExists(HKEY_LOCAL_MACHINE, Path(W("\\14.2\\Metrics"))));
+    if (has_machine) {
+        EXPECT_FALSE(KeyExists(HKEY_LOCAL_MACHINE, Path(W("\\14.2\\Metrics"))));
+    }
     EXPECT_EQ(KtMetric_DeleteAllHiveAndVersion(W("Tester"), 0x0E020000, company), S_OK);
     EXPECT_FALSE(exists(W("\\14.2")));
-    if (has_machine) EXPECT_FALSE(KeyExists(HKEY_LOCAL_MACHINE, Path(W("\\14.2"))));
+    if (has_machine) {
+        EXPECT_FALSE(KeyExists(HKEY_LOCAL_MACHINE, Path(W("\\14.2"))));
+    }
     EXPECT_TRUE(exists(W("\\15.0\\Metrics")));
     EXPECT_EQ(KtMetric_DeleteAllHiveAndVersion(W("Tester"), 0x0E020000, company), S_OK) << "nothing is left to delete";
     EXPECT_EQ(KtMetric_DeleteAllHiveAndVersion(WString(300, W('n')).c_str(), 0, company), E_INVALIDARG);

@@ -80,7 +80,14 @@ static_assert(STARTF_USESTDHANDLES == 0x100 && HANDLE_FLAG_INHERIT == 1 && STILL
 static_assert(STGM_READ == 0 && STGM_WRITE == 1 && STGM_READWRITE == 2 && STGM_CREATE == 0x1000);
 static_assert(STREAM_SEEK_SET == 0 && STREAM_SEEK_CUR == 1 && STREAM_SEEK_END == 2);
 static_assert(CP_ACP == 0 && CP_UTF8 == 65001 && MB_PRECOMPOSED == 1 && MB_ERR_INVALID_CHARS == 8);
-static_assert(LOCALE_USER_DEFAULT == 0x0400);
+static_assert(LOCALE_USER_DEFAULT == 0x0400 && LOCALE_SYSTEM_DEFAULT == 0x0800 && LOCALE_INVARIANT == 0x7F);
+static_assert(LOCALE_ILANGUAGE == 1 && LOCALE_SLANGUAGE == 2 && LOCALE_SABBREVLANGNAME == 3 && LOCALE_ICOUNTRY == 5);
+static_assert(LOCALE_SCOUNTRY == 6 && LOCALE_SLIST == 0xC && LOCALE_IMEASURE == 0xD && LOCALE_SDECIMAL == 0xE);
+static_assert(LOCALE_STHOUSAND == 0xF && LOCALE_SGROUPING == 0x10 && LOCALE_IDIGITS == 0x11 && LOCALE_ILZERO == 0x12);
+static_assert(LOCALE_STIME == 0x1E && LOCALE_SNEGATIVESIGN == 0x51);
+static_assert(LOCALE_SENGLANGUAGE == 0x1001 && LOCALE_SENGCOUNTRY == 0x1002);
+static_assert(sizeof(NUMBERFMTW) == 40 && offsetof(NUMBERFMTW, lpDecimalSep) == 16);
+static_assert(offsetof(NUMBERFMTW, lpThousandSep) == 24 && offsetof(NUMBERFMTW, NegativeOrder) == 32);
 
 static_assert(sizeof(HKEY) == 8 && sizeof(LSTATUS) == 4 && sizeof(REGSAM) == 4);
 static_assert(REG_NONE == 0 && REG_SZ == 1 && REG_EXPAND_SZ == 2 && REG_BINARY == 3 && REG_DWORD == 4);
