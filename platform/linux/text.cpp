@@ -242,6 +242,9 @@ extern "C" int StrCmpLogicalW(const WCHAR* a, const WCHAR* b) noexcept {
     }
 }
 
+extern "C" int _getmbcp() noexcept { return 0; }
+extern "C" int _mbbtype(unsigned char, int) noexcept { return _MBC_SINGLE; }
+
 extern "C" char* CharNextA(const char* text) noexcept { return const_cast<char*>(*text ? text + 1 : text); }
 
 namespace platform {

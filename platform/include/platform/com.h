@@ -71,6 +71,9 @@ inline constexpr DWORD STGM_CREATE = 0x1000;
 inline constexpr DWORD STREAM_SEEK_SET = 0;
 inline constexpr DWORD STREAM_SEEK_CUR = 1;
 inline constexpr DWORD STREAM_SEEK_END = 2;
+inline constexpr DWORD CLSCTX_INPROC_SERVER = 1;
+inline constexpr HRESULT CLASS_E_NOAGGREGATION = static_cast<HRESULT>(0x80040110u);
+inline constexpr HRESULT REGDB_E_CLASSNOTREG = static_cast<HRESULT>(0x80040154u);
 inline constexpr HRESULT STG_E_INVALIDFUNCTION = static_cast<HRESULT>(0x80030001u);
 inline constexpr HRESULT STG_E_INVALIDPOINTER = static_cast<HRESULT>(0x80030009u);
 inline constexpr HRESULT STG_E_ACCESSDENIED = static_cast<HRESULT>(0x80030005u);
@@ -82,6 +85,10 @@ extern "C" BSTR SysAllocString(const WCHAR* text) noexcept;
 extern "C" BSTR SysAllocStringLen(const WCHAR* text, UINT length) noexcept;
 extern "C" void SysFreeString(BSTR text) noexcept;
 extern "C" UINT SysStringLen(BSTR text) noexcept;
+
+// An object of a class of the system; REGDB_E_CLASSNOTREG for all but CLSID_CMultiLanguage.
+extern "C" HRESULT CoCreateInstance(REFCLSID id, IUnknown* outer, DWORD context, REFIID interface_id,
+                                    void** out) noexcept;
 
 // Frees the name that IStream::Stat gives.
 extern "C" void CoTaskMemFree(void* block) noexcept;

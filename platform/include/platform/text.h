@@ -11,6 +11,8 @@
 #include <cstdlib>
 #include <cwchar>
 
+#include <mbctype.h>
+#include <mbstring.h>
 #include <shlwapi.h>
 
 #else
@@ -36,10 +38,20 @@ extern "C" int StrCmpLogicalW(const WCHAR* a, const WCHAR* b) noexcept;
 // The next character of the narrow code page, which has one byte to each here; the terminator is not passed.
 extern "C" char* CharNextA(const char* text) noexcept;
 
+// The C runtime's code page of several bytes, and what a byte of a text in it is after one of `type`. There is none
+// here, so the first gives 0 and every byte stands for itself.
+inline constexpr int _MBC_SINGLE = 0;
+inline constexpr int _MBC_TRAIL = 2;
+extern "C" int _getmbcp() noexcept;
+extern "C" int _mbbtype(unsigned char byte, int type) noexcept;
+
 // The C runtime's bounded wide printf with the Microsoft reading of %s, %c and I64: -1 when cut short, and then
 // without a terminator.
 extern "C" int _vsnwprintf(WCHAR* out, std::size_t size, const WCHAR* format, std::va_list arguments) noexcept;
 extern "C" int _snwprintf(WCHAR* out, std::size_t size, const WCHAR* format, ...) noexcept;
+
+// The platform's own print, with the same reading: never more than 1024 characters and a terminator.
+extern "C" int wsprintfW(WCHAR* out, const WCHAR* format, ...) noexcept;
 
 #endif
 
