@@ -12,6 +12,7 @@ using FuzzFunction = int(const uint8_t* data, size_t size);
 
 FuzzFunction FuzzClip;
 FuzzFunction FuzzSettingsFile;
+FuzzFunction FuzzTimeText;
 FuzzFunction FuzzWavInput;
 
 struct Fuzzer {
@@ -22,6 +23,7 @@ struct Fuzzer {
 inline constexpr Fuzzer kFuzzers[] = {
     {"clip", FuzzClip},
     {"settings_file", FuzzSettingsFile},
+    {"time_text", FuzzTimeText},
     {"wav_input", FuzzWavInput},
 };
 
