@@ -1,10 +1,7 @@
 #include "host/clip.h"
 
-#include <algorithm>
 #include <array>
 #include <cerrno>
-#include <cmath>
-#include <cstdio>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
@@ -22,7 +19,6 @@ namespace fs = std::filesystem;
 
 constexpr uint32_t kOpenAtOnce = 1;
 constexpr std::size_t kSignatureEnd = 8;
-constexpr int64_t kSecond = 10'000'000;
 
 // Why the module does not take the file for a clip, as far as a look at the file tells.
 std::string WhyNoClip(const std::string& path) {
@@ -112,16 +108,6 @@ std::optional<int64_t> Clip::Timecode(uint32_t key) {
     std::array<WCHAR, 32> text{};
     if (meta->GetValue(key, text.data(), static_cast<int32_t>(text.size())) != S_OK) return std::nullopt;
     return ReadNumber<int64_t>(platform::Utf8(WStringView(text.data())));
-}
-
-std::string TimecodeText(int64_t time, double rate) {
-    const int64_t seconds = time / kSecond;
-    const double part = static_cast<double>(time % kSecond) / static_cast<double>(kSecond);
-    const auto frame = static_cast<long long>(std::llround(part * std::max(rate, 0.0)));
-    char text[64];
-    std::snprintf(text, sizeof text, "%02lld:%02lld:%02lld:%02lld", static_cast<long long>(seconds / 3600),
-                  static_cast<long long>(seconds / 60 % 60), static_cast<long long>(seconds % 60), frame);
-    return text;
 }
 
 }  // namespace clipfio::host

@@ -11,6 +11,7 @@
 #include "host/memory_stream.h"
 #include "host/numbers.h"
 #include "host/result_text.h"
+#include "host/timecode.h"
 #include "platform/text.h"
 
 namespace clipfio::host {
@@ -95,8 +96,8 @@ Json TimecodeEntry(Clip& clip) {
     const auto last = clip.Timecode(kKtMetaLastTimecode);
     if (!first || !last) return nullptr;
     const double rate = clip.FrameRate();
-    return {{"first", TimecodeText(*first, rate)},
-            {"last", TimecodeText(*last, rate)},
+    return {{"first", TimecodeText(TimecodeOfTime(*first, rate))},
+            {"last", TimecodeText(TimecodeOfTime(*last, rate))},
             {"first_ticks", *first},
             {"last_ticks", *last}};
 }

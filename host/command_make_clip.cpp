@@ -1,5 +1,4 @@
 // clipfio make-clip: a clip from raw frames and a WAV file.
-#include <unistd.h>
 
 #include <cstdio>
 #include <vector>
@@ -9,6 +8,7 @@
 #include "host/console.h"
 #include "host/failure.h"
 #include "host/frame_options.h"
+#include "platform/program.h"
 #include "platform/text.h"
 #include "substitutes/decoder/wav_input.h"
 
@@ -68,7 +68,7 @@ int Run(const Options& options) {
     const PictureSize size = ParseSize(options.size);
     decoder::ClipDescription description = DescribeClip(size, ParseRate(options.rate));
     if (!options.timecode.empty()) ParseStartTimecode(options.timecode, description);
-    if (isatty(fileno(stdin)) != 0) throw Failure("standard input is a terminal: pipe frames of rgb48le into it");
+    if (platform::IsTerminal(stdin)) throw Failure("standard input is a terminal: pipe frames of rgb48le into it");
     decoder::WavInput sound;
     if (!options.audio.empty()) OpenSound(sound, options.audio, description);
 

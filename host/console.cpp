@@ -1,8 +1,5 @@
 #include "host/console.h"
 
-#include <fcntl.h>
-#include <unistd.h>
-
 #include <atomic>
 #include <cerrno>
 #include <csignal>
@@ -32,16 +29,6 @@ void OnInterrupt(int signal) {
 
 }  // namespace
 
-void PrepareConsole() {
-#ifdef _O_BINARY
-    _setmode(_fileno(stdout), _O_BINARY);
-    _setmode(_fileno(stdin), _O_BINARY);
-#endif
-#ifdef SIGPIPE
-    std::signal(SIGPIPE, SIG_IGN);
-#endif
-}
-
 bool WriteStandardOutput(const void* data, std::size_t bytes) {
     errno = 0;
     return Outcome(std::fwrite(data, 1, bytes, stdout) == bytes);
@@ -51,9 +38,6 @@ bool FlushStandardOutput() {
     errno = 0;
     return Outcome(std::fflush(stdout) == 0);
 }
-
-bool IsOutputTerminal() { return isatty(fileno(stdout)) != 0; }
-bool IsErrorOutputTerminal() { return isatty(fileno(stderr)) != 0; }
 
 InterruptScope::InterruptScope() {
     g_stop = false;

@@ -1,20 +1,14 @@
-// Standard output, the terminal and the user's wish to stop.
+// Standard output and the user's wish to stop.
 #pragma once
 
 #include <cstddef>
 
 namespace clipfio::host {
 
-// Before anything is written: raw bytes on standard output, and a reader that went away shows as a failed write.
-void PrepareConsole();
-
 // False when the reader has gone away, which is no failure: whoever reads decides how much. Throws Failure for any
 // other reason.
 [[nodiscard]] bool WriteStandardOutput(const void* data, std::size_t bytes);
 [[nodiscard]] bool FlushStandardOutput();
-
-[[nodiscard]] bool IsOutputTerminal();
-[[nodiscard]] bool IsErrorOutputTerminal();
 
 // While one lives, an interrupt (Ctrl-C) or a request to end only sets a flag, so that files can be left whole. The
 // second one ends the process at once.

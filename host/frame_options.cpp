@@ -45,8 +45,8 @@ void AddFrameOptions(Arguments& arguments, FrameOptions& options) {
 }
 
 void AddFrameRange(Arguments& arguments, RangeText& range) {
-    arguments.Text("--from", range.from, "First frame, from 0 (else the clip's first)", "A");
-    arguments.Text("--to", range.to, "Last frame, itself included (else the clip's last)", "B");
+    arguments.Text("--from", range.from, "First frame, from 0, or its timecode (else the clip's first)", "A");
+    arguments.Text("--to", range.to, "Last frame or its timecode, itself included (else the clip's last)", "B");
 }
 
 PictureSize ParseSize(const std::string& text) {

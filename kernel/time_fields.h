@@ -4,6 +4,7 @@
 #include <array>
 #include <cstdint>
 
+#include "kernel/characters.h"
 #include "platform/base.h"
 
 namespace clipfio {
@@ -13,7 +14,6 @@ struct TimeField {
     WStringView digits;  // as they stand in the text; none for the 0 that a character at the end stands for
 };
 
-constexpr bool IsDigit(WCHAR c) noexcept { return c >= W('0') && c <= W('9'); }
 constexpr bool IsBlank(WCHAR c) noexcept { return c == W(' ') || c == W('\t'); }
 
 // Reads numbers of at most 31 digits from the left. Whatever is no digit separates. Behind the last digit each

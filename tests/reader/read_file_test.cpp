@@ -2,7 +2,7 @@
 
 #include "audio/wave_format.h"
 #include "platform/text.h"
-#include "support/scoped_variable.h"
+#include "support/in_locale.h"
 #include "support/temp_file.h"
 #include "tests/reader/reader_scene.h"
 
@@ -287,7 +287,7 @@ TEST_F(ReadFile, DuplicatesIntoAnObjectOfItsOwn) {
 }
 
 TEST_F(ReadFile, TellsItsDataRates) {
-    const support::ScopedVariable locale(W("KT_LCID"), W("0x0409"));
+    const support::InLocale locale(0x0409);
     const support::TempFile path(".r3d");
     MakeFile(path.Path(), 24000123);
     const auto file = MeasuredFile(path.Path());
@@ -367,7 +367,7 @@ TEST_F(ReadFile, HasNoDataRateWithoutItsFile) {
 }
 
 TEST_F(ReadFile, ChannelsHaveNames) {
-    const support::ScopedVariable locale(W("KT_LCID"), W("0x0409"));
+    const support::InLocale locale(0x0409);
     constexpr struct {
         uint32_t mask;
         const char* text;

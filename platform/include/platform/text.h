@@ -50,6 +50,9 @@ extern "C" int _mbbtype(unsigned char byte, int type) noexcept;
 extern "C" int _vsnwprintf(WCHAR* out, std::size_t size, const WCHAR* format, std::va_list arguments) noexcept;
 extern "C" int _snwprintf(WCHAR* out, std::size_t size, const WCHAR* format, ...) noexcept;
 
+// The platform's own print, with the same reading: never more than 1024 characters and a terminator.
+extern "C" int wsprintfW(WCHAR* out, const WCHAR* format, ...) noexcept;
+
 #endif
 
 namespace platform {
