@@ -13,6 +13,7 @@ using FuzzFunction = int(const uint8_t* data, size_t size);
 FuzzFunction FuzzClip;
 FuzzFunction FuzzResources;
 FuzzFunction FuzzSettingsFile;
+FuzzFunction FuzzTimeText;
 FuzzFunction FuzzWavInput;
 
 struct Fuzzer {
@@ -24,6 +25,7 @@ inline constexpr Fuzzer kFuzzers[] = {
     {"clip", FuzzClip},
     {"resources", FuzzResources},
     {"settings_file", FuzzSettingsFile},
+    {"time_text", FuzzTimeText},
     {"wav_input", FuzzWavInput},
 };
 

@@ -42,9 +42,12 @@ Text SkipSign(const WCHAR* text) noexcept {
     return {text, *text != 0};
 }
 
-const WCHAR* EndOf(const WCHAR* text) noexcept { return text + WStringView(text).size(); }
-
-bool HasDigits(const WCHAR* text) noexcept { return std::any_of(text, EndOf(text), clipfio::IsDigit); }
+// Where the reading of timecode and its like stops, which do not tell: at the end, but they do not start without a
+// digit.
+const WCHAR* EndOfFields(const WCHAR* text) noexcept {
+    const WCHAR* const end = text + WStringView(text).size();
+    return std::any_of(text, end, clipfio::IsDigit) ? end : text;
+}
 
 // The first three decimals.
 uint32_t MillisecondsOf(const TimeField& fraction) noexcept {
@@ -126,19 +129,19 @@ int64_t ReadPosition(const WCHAR* text, const _ktposfmt& position, uint32_t flag
 int64_t KtTextToNanoTimeToken2(const WCHAR* text, const _ktposfmt* format, int64_t default_value, int64_t minimum,
                                int64_t maximum, uint32_t flags, const WCHAR** end) noexcept {
     const Text unsigned_text = SkipSign(text);
-    const WCHAR* stop = EndOf(unsigned_text.start);
+    const WCHAR* stop = nullptr;
     int64_t time = default_value;
-    if (*unsigned_text.start) {
-        time = 0;
-        if (format) time = ReadPosition(unsigned_text.start, *format, flags, &stop);
-        // Timecode and its like do not tell where they stopped; without a digit they did not start.
-        if (time == 0 && !HasDigits(unsigned_text.start)) stop = unsigned_text.start;
+    if (*unsigned_text.start) time = format ? ReadPosition(unsigned_text.start, *format, flags, &stop) : 0;
+    const bool has_limits = (flags & KTPOSTEXT_LIMITS) != 0;
+    bool has_failed = false;
+    if (has_limits || end) {
+        if (!stop) stop = EndOfFields(unsigned_text.start);
+        has_failed = time == 0 && *stop && !clipfio::IsBlank(*stop);
+        if (end) *end = stop;
     }
-    if (end) *end = stop;
-    const bool has_failed = time == 0 && *stop && !clipfio::IsBlank(*stop);
     if (unsigned_text.is_negative) time = clipfio::HeldDifference(0, time);
     if (format && !(flags & KTPOSTEXT_RAW)) time = HeldSum(time, format->offset);
-    if (!(flags & KTPOSTEXT_LIMITS)) return time;
+    if (!has_limits) return time;
     if (has_failed) time = default_value;
     return time < minimum ? minimum : std::min(time, maximum);
 }

@@ -1,6 +1,7 @@
 #include "kernel/time_text.h"
 
 #include <algorithm>
+#include <array>
 #include <limits>
 
 #include "kernel/clock_time.h"
@@ -41,6 +42,11 @@ class Destination {
         length_ += length;
     }
     void Put(WStringView text) noexcept {
+        if (!HasLimit()) {
+            *std::copy_n(text.data(), text.size(), out_ + length_) = 0;
+            length_ += static_cast<uint32_t>(text.size());
+            return;
+        }
         const auto room = std::min<uint64_t>(size_ - length_, std::numeric_limits<int32_t>::max());
         length_ += static_cast<uint32_t>(clipfio::CopyText(out_ + length_, static_cast<int32_t>(room), text));
     }
@@ -51,19 +57,25 @@ class Destination {
     uint32_t length_ = 0;
 };
 
-// What "%02u" and plain characters print of numbers below 100, without the printer.
-void PutLabel(Destination& out, const WCHAR* format, const _smpteval& label) noexcept {
-    constexpr std::size_t kConversion = 4;
-    const uint32_t numbers[] = {label.hours, label.minutes, label.seconds, label.frames};
-    WCHAR text[16];
-    WCHAR* end = text;
-    for (const uint32_t number : numbers) {
-        *end++ = static_cast<WCHAR>(W('0') + number / 10);
-        *end++ = static_cast<WCHAR>(W('0') + number % 10);
-        format += kConversion;
-        if (*format) *end++ = *format++;
+// The two digits of each number below 100.
+constexpr auto kPairs = [] {
+    std::array<std::array<WCHAR, 2>, 100> pairs{};
+    for (unsigned i = 0; i < pairs.size(); ++i) {
+        pairs[i] = {static_cast<WCHAR>(W('0') + i / 10), static_cast<WCHAR>(W('0') + i % 10)};
     }
-    out.Put({text, static_cast<std::size_t>(end - text)});
+    return pairs;
+}();
+
+// A label as kLabel and kDropLabel have it, without the printer.
+void PutLabel(Destination& out, const WCHAR* format, const _smpteval& label) noexcept {
+    constexpr std::size_t kLength = 11;
+    const std::array<WCHAR, 2> pairs[] = {kPairs[label.hours], kPairs[label.minutes], kPairs[label.seconds],
+                                          kPairs[label.frames]};
+    const WCHAR colon = W(':');
+    const WCHAR last = format[14];  // before the frames
+    const WCHAR text[kLength] = {pairs[0][0], pairs[0][1], colon, pairs[1][0], pairs[1][1], colon,
+                                 pairs[2][0], pairs[2][1], last,  pairs[3][0], pairs[3][1]};
+    out.Put({text, kLength});
 }
 
 void PrintClock(Destination& out, const WCHAR* format, int64_t time, double rate) noexcept {
@@ -103,17 +115,18 @@ void PrintFeet(Destination& out, const WCHAR* format, double frames, int64_t fra
     out.Print(format, whole / frames_per_foot, whole % frames_per_foot);
 }
 
+// In the display's own text when `format` is null.
 void PrintSmpte(Destination& out, const WCHAR* format, int64_t time, const DisplayFormat& display) noexcept {
     _smpteval label{display.smpte, 0, 0, 0, 0};
     KTSMPTE_NanoToSMPTE(time, &label);
-    if (format == display.full_text) {
-        PutLabel(out, format, label);
-    } else {
+    if (format) {
         out.Print(format, label.hours, label.minutes, label.seconds, label.frames);
+    } else {
+        PutLabel(out, display.full_text, label);
     }
 }
 
-// `time` from 0 on.
+// `time` from 0 on, and no timecode.
 void PrintPosition(Destination& out, const WCHAR* format, int64_t time, const _ktposfmt& position,
                    uint32_t flags) noexcept {
     const double seconds = static_cast<double>(time) * clipfio::kSecondsPerUnit;
@@ -154,24 +167,24 @@ void PrintPosition(Destination& out, const WCHAR* format, int64_t time, const _k
         case KTPOSFMT_NANOS:
             return out.Print(format, time);
         default:
-            break;
+            return out.Print(clipfio::kWholeUnits, time);
     }
-    const DisplayFormat& display = clipfio::DisplayFormatOf(position.format);
-    display.smpte ? PrintSmpte(out, format, time, display) : out.Print(clipfio::kWholeUnits, time);
 }
 
 int32_t Print(Destination out, const _ktposfmt* position, int64_t time, const WCHAR* format, uint32_t flags) noexcept {
     if (!position || !out.HasRoom()) return 0;
-    if (!format) {
-        const DisplayFormat& display = clipfio::DisplayFormatOf(position->format);
-        format = flags & KTPOSTEXT_SHORT ? display.short_text : display.full_text;
-    }
     if (!(flags & KTPOSTEXT_RAW)) time = clipfio::HeldDifference(time, position->offset);
     if (time < 0) {
         out.Put(W("-"));
         time = clipfio::HeldDifference(0, time);
     }
-    PrintPosition(out, format, time, *position, flags);
+    const DisplayFormat& display = clipfio::DisplayFormatOf(position->format);
+    if (display.smpte) {
+        PrintSmpte(out, format, time, display);
+    } else {
+        if (!format) format = flags & KTPOSTEXT_SHORT ? display.short_text : display.full_text;
+        PrintPosition(out, format, time, *position, flags);
+    }
     return out.Length();
 }
 
