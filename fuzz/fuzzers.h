@@ -11,6 +11,7 @@
 using FuzzFunction = int(const uint8_t* data, size_t size);
 
 FuzzFunction FuzzClip;
+FuzzFunction FuzzResources;
 FuzzFunction FuzzSettingsFile;
 FuzzFunction FuzzTimeText;
 FuzzFunction FuzzWavInput;
@@ -22,6 +23,7 @@ struct Fuzzer {
 
 inline constexpr Fuzzer kFuzzers[] = {
     {"clip", FuzzClip},
+    {"resources", FuzzResources},
     {"settings_file", FuzzSettingsFile},
     {"time_text", FuzzTimeText},
     {"wav_input", FuzzWavInput},

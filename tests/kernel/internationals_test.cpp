@@ -6,7 +6,11 @@
 #include <algorithm>
 #include <cstring>
 #include <optional>
+#include <utility>
 
+#include "kernel/lang.h"
+#include "kernel/print.h"
+#include "kernel/print_tokens.h"
 #include "platform/text.h"
 #include "support/scoped_variable.h"
 
@@ -95,6 +99,35 @@ TEST_F(Inat, CutsTextsAndCopies) {
                                     reinterpret_cast<const char*>(&clipfio::InternationalsRecord()) + 4, copied - 4),
                   0);
     }
+}
+
+TEST_F(Inat, GivesTheFormatterItsTokens) {
+    ASSERT_EQ(clipfio::CreatePrintTokens(), S_OK);
+    struct {
+        const WCHAR* format;
+        const char* text;
+    } const kRows[] = {
+        {W("$(SMPTE.Whole)$(SMPTE.NonDrop)$(SMPTE.Drop)$(m.b)$(b.t)"), ":.,.."},
+        {W("$(SMPTE.Label.NonDrop)"), "hr:mn:sc.fr"},
+        {W("$(SMPTE.Label.Drop)"), "hr:mn:sc,fr"},
+        {W("$(SMPTE.Label.NonDrop.Full)"), "hours:minutes:seconds.frames"},
+        {W("$(SMPTE.Label.Drop.Full)"), "hours:minutes:seconds,frames"},
+        {W("$(MusicTime.Label)"), "ms.bt.tk"},
+        {W("$(MusicTime.Label.Full)"), "measures.beats.ticks"},
+    };
+    Use(W("0x0409"));
+    for (const auto& row : kRows) {
+        WCHAR text[80];
+        KtCchPrintF(text, 80, nullptr, row.format);
+        EXPECT_EQ(platform::Utf8(text), row.text);
+    }
+    ASSERT_EQ(KtLang_Open(&clipfio::KernelLanguage(), nullptr, 0x0407, 0), S_OK);
+    Use(W("0x0409"));
+    WCHAR text[80];
+    KtCchPrintF(text, 80, nullptr, W("$(SMPTE.Label.Drop.Full)"));
+    EXPECT_EQ(platform::Utf8(text), "Stunden:Minuten:Sekunden,Frames");
+    KtLang_Close(std::exchange(clipfio::KernelLanguage(), nullptr));
+    clipfio::DestroyPrintTokens();
 }
 
 TEST_F(Inat, KeepsTheLettersOfTheLanguage) {

@@ -18,7 +18,10 @@ class StoredLanguage : public testing::Test {
     static void Clear() {
         for (const HKEY hive : {HKEY_CURRENT_USER, HKEY_LOCAL_MACHINE}) {
             for (const WCHAR* const company : {W("Kestrel Creative Software"), W("Another Company")}) {
-                RegDeleteTreeW(hive, (WString(W("Software\\")) + company + W("\\") + kApplication).c_str());
+                const WString application = WString(W("Software\\")) + company + W("\\") + kApplication;
+                for (const WCHAR* const path : {W("\\13.2\\Lang"), W("\\13.2"), W("\\Lang"), W("")}) {
+                    RegDeleteKeyW(hive, (application + path).c_str());
+                }
             }
         }
     }

@@ -6,6 +6,7 @@
 #include "lang_fixture.h"
 #include "platform/faults.h"
 #include "platform/modules.h"
+#include "platform/resources.h"
 #include "platform/scoped.h"
 
 namespace {

@@ -72,7 +72,7 @@ TEST_F(Satellite, ResolvesTheIdsOfRows) {
         const char* text;
     } const kRows[] = {
         {32, 0x0411, "行の文字"}, {32, 0x0407, "Zeile"},    {33, 0x0411, "english"},  // it does not end in a NUL
-        {34, 0x0411, "english"},  {900, 0x0407, "english"}, {0, 0x0407, "english"},
+        {36, 0x0411, "english"},  {900, 0x0407, "english"}, {0, 0x0407, "english"},
     };
     for (const auto& row : kRows) {
         Row record;
