@@ -65,7 +65,7 @@ Rate ParseRate(const std::string& text) {
         const auto numerator = ReadNumber<uint32_t>(text.substr(0, slash));
         const auto denominator = ReadNumber<uint32_t>(text.substr(slash + 1));
         if (numerator && denominator && *numerator > 0 && *denominator > 0 && *numerator <= kMostRatePart &&
-            *denominator <= kMostRatePart) {
+            *denominator <= kMostRatePart && *numerator <= kMostFramesPerSecond * *denominator) {
             return {*numerator, *denominator};
         }
     } else if (const auto number = ReadNumber<double>(text)) {

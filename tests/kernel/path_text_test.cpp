@@ -296,7 +296,9 @@ TEST(PathText, ComparesPathsFromTheirEnds) {
         for (const int32_t size : {300, needed, needed - 1}) {
             Buffer out(W("old"), size);
             EXPECT_EQ(KtGetBasePathRelative(row.other, row.path, out.Data(), size), size < needed ? E_FAIL : S_OK);
-            if (size > 0) EXPECT_EQ(out.Text(), size < needed ? "" : row.base);
+            if (size > 0) {
+                EXPECT_EQ(out.Text(), size < needed ? "" : row.base);
+            }
         }
     }
     EXPECT_EQ(KtGetFileNamePtrRelative(W("a"), nullptr), nullptr);
