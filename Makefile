@@ -20,11 +20,11 @@ cmake --preset $(1) >build/$(1).configure.log 2>&1 || { cat build/$(1).configure
 cmake --build --preset $(1)
 endef
 
-.PHONY: help setup build demo test test-asan test-tsan bench fuzz format check-format lint install clean
+.PHONY: help setup build build-windows demo demo-windows test test-windows test-asan test-tsan bench fuzz format check-format lint install clean
 
 help: ## this list
 	@sed -n 's/^\([a-z-]*\):[^#]*## /\1\t/p' $(MAKEFILE_LIST) | while IFS=$$'\t' read -r name text; do \
-	    printf '  make %-13s %s\n' "$$name" "$$text"; done
+	    printf '  make %-14s %s\n' "$$name" "$$text"; done
 
 setup:
 	@scripts/setup
@@ -33,11 +33,22 @@ setup:
 build: setup ## the module, the decoder substitute, the host and the tests, in build/native
 	@$(call build,native)
 
+build-windows: setup ## the same for Windows by mingw-w64, in build/windows
+	@scripts/setup --windows
+	@$(call build,windows)
+
 demo: build ## a sample clip, opened through the module: pictures, sound and a report in out/
-	@scripts/demo
+	@scripts/demo native out
+
+demo-windows: build-windows ## the same by the Windows programs under Wine, in out-windows/
+	@trap 'cmake/wine.sh "$(CURDIR)/build/windows/wine" --stop' EXIT; scripts/demo windows out-windows
 
 test: build ## the test suite
 	@ctest --preset native -j$(JOBS)
+
+# What the two targets do is compared, so both are built.
+test-windows: build build-windows ## the same suite of the Windows programs, under Wine without a display
+	@ctest --preset windows-test -j$(JOBS)
 
 test-asan: setup ## the same under AddressSanitizer and UndefinedBehaviorSanitizer
 	@$(call build,asan)
@@ -70,5 +81,5 @@ lint: build ## clang-tidy over every source file
 install: build ## into PREFIX (/usr/local)
 	@cmake --install build/native --prefix "$(PREFIX)"
 
-clean: ## removes build/ and out/
-	@rm -rf build out
+clean: ## removes build/, out/ and out-windows/
+	@rm -rf build out out-windows

@@ -11,7 +11,9 @@
 using FuzzFunction = int(const uint8_t* data, size_t size);
 
 FuzzFunction FuzzClip;
+FuzzFunction FuzzResources;
 FuzzFunction FuzzSettingsFile;
+FuzzFunction FuzzTimeText;
 FuzzFunction FuzzWavInput;
 
 struct Fuzzer {
@@ -21,7 +23,9 @@ struct Fuzzer {
 
 inline constexpr Fuzzer kFuzzers[] = {
     {"clip", FuzzClip},
+    {"resources", FuzzResources},
     {"settings_file", FuzzSettingsFile},
+    {"time_text", FuzzTimeText},
     {"wav_input", FuzzWavInput},
 };
 

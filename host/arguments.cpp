@@ -4,7 +4,9 @@
 #include <algorithm>
 #include <iostream>
 #include <set>
+#include <sstream>
 
+#include "host/console.h"
 #include "host/failure.h"
 #include "host/numbers.h"
 
@@ -27,8 +29,8 @@ void Arguments::Text(const char* name, std::string& value, const char* help, con
 }
 
 void Arguments::Texts(const char* name, std::vector<std::string>& values, const char* help, const char* type) {
-    CLI::Option* option = App(parser_).add_option(name, values, help)->type_name(type);
-    if (name[0] == '-') option->allow_extra_args(false);
+    // Without extra arguments an option takes one value each time, and a value in brackets is not taken for a list.
+    App(parser_).add_option(name, values, help)->type_name(type)->allow_extra_args(false);
 }
 
 void Arguments::Number(const char* name, uint32_t& value, uint32_t lowest, uint32_t highest, const char* help,
@@ -90,8 +92,9 @@ int CommandLine::Run(std::vector<std::string> args) {
     try {
         parser_->app.parse(std::move(args));
     } catch (const CLI::Success& wanted) {
-        parser_->app.exit(wanted, std::cout, std::cerr);
-        std::cout.flush();
+        std::ostringstream text;
+        parser_->app.exit(wanted, text, std::cerr);
+        static_cast<void>(WriteStandardOutput(text.view().data(), text.view().size()));
         return kExitDone;
     } catch (const CLI::ParseError& error) {
         const std::vector<std::string> unknown = parser_->app.remaining();

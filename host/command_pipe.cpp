@@ -7,6 +7,7 @@
 #include "host/frames.h"
 #include "host/positions.h"
 #include "host/progress.h"
+#include "platform/program.h"
 
 namespace clipfio::host {
 namespace {
@@ -27,12 +28,12 @@ struct Options {
 
 int Run(Context& context, const Options& options) {
     Clip clip = OpenClip(context, options.clip);
-    const Range range = ParseFrameRange(options.range.from, options.range.to, clip.FrameCount());
+    const Range range = ParseFrameRange(options.range.from, options.range.to, clip);
     const FrameSize size = MeasureFrame(clip.Video(), options.frame);
     Say("pipe this into: ffmpeg -f rawvideo -pix_fmt bgra -s " + std::to_string(size.width) + "x" +
         std::to_string(size.height) + " -r " + RateText(clip.FrameRate()) + " -i - out.mov");
 
-    if (IsOutputTerminal()) throw Failure("standard output is a terminal: pipe the frames into a program");
+    if (platform::IsTerminal(stdout)) throw Failure("standard output is a terminal: pipe the frames into a program");
     Progress progress("pipe", range.Count());
     Frame frame;
     for (uint64_t number = range.first; number <= range.last; ++number) {

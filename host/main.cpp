@@ -1,6 +1,4 @@
-#include <string>
-#include <vector>
-
 #include "host/run.h"
+#include "platform/program.h"
 
-int main(int argc, char** argv) { return clipfio::host::Main(std::vector<std::string>(argv, argv + argc)); }
+int main(int argc, char** argv) { return clipfio::host::Main(platform::Arguments(argc, argv)); }

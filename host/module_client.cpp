@@ -10,6 +10,7 @@
 #include "host/result_text.h"
 #include "platform/files.h"
 #include "platform/modules.h"
+#include "platform/program.h"
 #include "platform/text.h"
 #include "reader/plugin_exports.h"
 
@@ -23,21 +24,7 @@ using GetClassObject = decltype(&DllGetClassObject);
 constexpr const WCHAR* kDecoderVariable = W("R3DSDKPATH");
 constexpr const WCHAR* kModuleVariable = W("CLIPFIO_MODULE");
 
-// As the file system names it. Where the system shows the program's file under a fixed name that is taken; the platform
-// would tell it with a drive letter, which means nothing to a user there.
-fs::path ProgramFolder() {
-    std::error_code error;
-    const fs::path shown = fs::read_symlink("/proc/self/exe", error);
-    if (!error) return shown.parent_path();
-    std::vector<WCHAR> text(MAX_PATH);
-    for (;;) {
-        const DWORD length = GetModuleFileNameW(nullptr, text.data(), static_cast<DWORD>(text.size()));
-        if (length < text.size()) {
-            return PathFromUtf8(platform::Utf8(WStringView(text.data(), length))).parent_path();
-        }
-        text.resize(text.size() * 2);
-    }
-}
+fs::path ProgramFolder() { return PathFromUtf8(platform::ProgramFile()).parent_path(); }
 
 std::string EnvironmentText(const WCHAR* name) {
     std::vector<WCHAR> text(GetEnvironmentVariableW(name, nullptr, 0));
@@ -80,9 +67,11 @@ std::string DecoderSearchText() {
            (named.empty() ? "R3DSDKPATH, which is not set" : "R3DSDKPATH, which is " + named);
 }
 
-bool IsDecoderFileThere() {
+std::string DecoderFile() {
+    if (IsFile(kDecoderFile)) return kDecoderFile;
     const std::string named = EnvironmentText(kDecoderVariable);
-    return IsFile(kDecoderFile) || (!named.empty() && IsFile(named + "/" + kDecoderFile));
+    const std::string file = named + "/" + kDecoderFile;
+    return !named.empty() && IsFile(file) ? file : std::string();
 }
 
 Module::Module(const std::string& path) : path_(FindModule(path)) {

@@ -4,7 +4,7 @@
 #include <cstdio>
 #include <utility>
 
-#include "host/console.h"
+#include "platform/program.h"
 
 namespace clipfio::host {
 namespace {
@@ -15,7 +15,7 @@ constexpr std::chrono::milliseconds kInterval{100};
 }  // namespace
 
 Progress::Progress(std::string label, std::uint64_t total)
-    : label_(std::move(label)), total_(std::max<std::uint64_t>(total, 1)), shown_(IsErrorOutputTerminal()) {
+    : label_(std::move(label)), total_(std::max<std::uint64_t>(total, 1)), shown_(platform::IsTerminal(stderr)) {
     if (shown_) Draw();
 }
 

@@ -8,6 +8,7 @@
 #include "host/command.h"
 #include "host/console.h"
 #include "host/failure.h"
+#include "platform/program.h"
 
 namespace clipfio::host {
 namespace {
@@ -33,7 +34,7 @@ int Report(const char* message, int status) {
 }  // namespace
 
 int Main(std::vector<std::string> utf8_args) noexcept {
-    PrepareConsole();
+    platform::PrepareStandardStreams();
     int status = kExitDone;
     try {
         status = RunCommandLine(std::move(utf8_args));

@@ -2,8 +2,13 @@
 
 #include <algorithm>
 #include <cstring>
+#include <iterator>
 #include <limits>
 
+#include "kernel/lang_handle.h"
+#include "kernel/print.h"
+#include "kernel/print_tokens.h"
+#include "kernel/string_rows.h"
 #include "kernel/text_copy.h"
 #include "platform/locale.h"
 
@@ -78,6 +83,43 @@ void Refresh() noexcept {
     g_record = record;
 }
 
+// What stands over the fields of a time, with the record's separators between.
+struct Label {
+    const WCHAR* token;
+    const KTLANGSTRINGID* row;
+    const KTINATTEXT<8>* separators[3];
+};
+
+void AddLabel(const Label& label) noexcept {
+    const auto text = [](const KTINATTEXT<8>* separator) { return separator ? separator->text : kNoText; };
+    WCHAR value[64];
+    KtCchPrintF(value, static_cast<uint32_t>(std::size(value)), nullptr, KtGetString(KernelLanguage(), *label.row),
+                text(label.separators[0]), text(label.separators[1]), text(label.separators[2]));
+    KtPrintF_AddToken(label.token, value);
+}
+
+// A token that there is no memory for stays in the texts by its name.
+void AddTokens() noexcept {
+    const KTINTERNATIONALS& record = g_record;
+    KtPrintF_AddToken(W("SMPTE.Whole"), record.smpte_whole.text);
+    KtPrintF_AddToken(W("SMPTE.NonDrop"), record.smpte_non_drop.text);
+    KtPrintF_AddToken(W("SMPTE.Drop"), record.smpte_drop.text);
+    KtPrintF_AddToken(W("m.b"), record.measures_to_beats.text);
+    KtPrintF_AddToken(W("b.t"), record.beats_to_ticks.text);
+    const auto *const whole = &record.smpte_whole, *const non_drop = &record.smpte_non_drop;
+    const auto* const drop = &record.smpte_drop;
+    const auto *const beats = &record.measures_to_beats, *const ticks = &record.beats_to_ticks;
+    const Label labels[] = {
+        {W("SMPTE.Label.NonDrop"), &kKtStrTimeLabel, {whole, whole, non_drop}},
+        {W("SMPTE.Label.Drop"), &kKtStrTimeLabel, {whole, whole, drop}},
+        {W("SMPTE.Label.NonDrop.Full"), &kKtStrTimeLabelFull, {whole, whole, non_drop}},
+        {W("SMPTE.Label.Drop.Full"), &kKtStrTimeLabelFull, {whole, whole, drop}},
+        {W("MusicTime.Label"), &kKtStrMusicLabel, {beats, ticks, nullptr}},
+        {W("MusicTime.Label.Full"), &kKtStrMusicLabelFull, {beats, ticks, nullptr}},
+    };
+    for (const Label& label : labels) AddLabel(label);
+}
+
 WStringView TextOf(uint32_t key) noexcept {
     const auto view = [](const auto& field) { return WStringView(field.text, field.length); };
     switch (key) {
@@ -130,6 +172,7 @@ using namespace clipfio;
 HRESULT KtLang_GetInternationals(void* buffer, uint32_t size) noexcept {
     if (!buffer) {
         Refresh();
+        AddTokens();
         return S_OK;
     }
     const uint32_t copied = std::min<uint32_t>(size, sizeof g_record);

@@ -53,10 +53,15 @@ constexpr bool IsLeftOut(const _smpteval& value) {
            DropsNumbersAt(value.minutes);
 }
 
+// By constants, which the compiler turns into products.
+constexpr uint32_t SecondsOf(uint32_t number, uint32_t fps) {
+    return fps == 30 ? number / 30 : fps == 25 ? number / 25 : number / 24;
+}
+
 // `count` lies within the day.
 void SetLabel(_smpteval& value, const FormatFacts& facts, uint32_t count) {
     const uint32_t number = facts.drop ? count + DroppedBefore(count) : count;
-    const uint32_t seconds = number / facts.fps;
+    const uint32_t seconds = SecondsOf(number, facts.fps);
     const uint32_t minutes = seconds / 60;
     value.frames = number - seconds * facts.fps;
     value.seconds = seconds - minutes * 60;
@@ -80,13 +85,27 @@ uint32_t HourOf(const _smpteval& value) { return value.hours & 31; }
 void CarryNumbers(_smpteval& value) {
     if (IsSmpteFormat(value.format)) {
         const uint32_t fps = FactsOf(value.format).fps;
-        value.seconds += value.frames / fps;
-        value.frames %= fps;
+        const uint32_t seconds = SecondsOf(value.frames, fps);
+        value.seconds += seconds;
+        value.frames -= seconds * fps;
     }
     value.minutes += value.seconds / 60;
     value.seconds %= 60;
     value.hours = (value.hours + value.minutes / 60) % 24;
     value.minutes %= 60;
+}
+
+// Reads "hh:mm:ss:ff" with any separators, the way labels are printed; false for any other text.
+bool ReadWholeLabel(const WCHAR* text, _smpteval& value) {
+    uint32_t* const numbers[] = {&value.hours, &value.minutes, &value.seconds, &value.frames};
+    for (uint32_t* number : numbers) {
+        if (!clipfio::IsDigit(text[0]) || !clipfio::IsDigit(text[1]) || clipfio::IsDigit(text[2])) return false;
+        *number = static_cast<uint32_t>((text[0] - W('0')) * 10 + (text[1] - W('0')));
+        const bool is_last = number == &value.frames;
+        if ((text[2] == 0) != is_last) return false;
+        text += 3;
+    }
+    return true;
 }
 
 }  // namespace
@@ -125,6 +144,10 @@ int64_t KTSMPTE_SmpteLikeToNanos(double rate, const _smpteval* value) noexcept {
 
 WCHAR KTSMPTE_TextToSMPTE(const WCHAR* text, _smpteval* value) noexcept {
     if (!value) return 0;
+    if (text && ReadWholeLabel(text, *value)) {
+        CarryNumbers(*value);
+        return 0;
+    }
     *value = {value->format, 0, 0, 0, 0};
     clipfio::TimeFieldReader reader(text, clipfio::TimeFieldReader::kPairs);
     clipfio::TimeField field;

@@ -68,7 +68,7 @@ HRESULT CClassFactory::LockServer(BOOL lock) {
 
 }  // namespace clipfio
 
-HRESULT STDMETHODCALLTYPE DllGetClassObject(REFCLSID class_id, REFIID id, void** out) noexcept {
+HRESULT STDMETHODCALLTYPE DllGetClassObject(REFCLSID class_id, REFIID id, void** out) {
     if (!out) return E_POINTER;
     *out = nullptr;
     if (!(id == IID_IClassFactory) && !(id == IID_IUnknown)) return E_NOINTERFACE;
@@ -80,5 +80,5 @@ HRESULT STDMETHODCALLTYPE DllGetClassObject(REFCLSID class_id, REFIID id, void**
     return result;
 }
 
-HRESULT STDMETHODCALLTYPE DllCanUnloadNow() noexcept { return S_FALSE; }
+HRESULT STDMETHODCALLTYPE DllCanUnloadNow() { return S_FALSE; }
 void STDMETHODCALLTYPE DllInitClasses() noexcept {}

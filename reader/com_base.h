@@ -33,11 +33,11 @@ class ObjectLock {
     platform::ScopedHandle mutex_;
 };
 
-// Hands `interface` out with a reference.
+// Hands `object` out with a reference.
 template <class Interface>
-HRESULT HandOut(Interface* interface, void** out) noexcept {
-    interface->AddRef();
-    *out = interface;
+HRESULT HandOut(Interface* object, void** out) noexcept {
+    object->AddRef();
+    *out = object;
     return S_OK;
 }
 

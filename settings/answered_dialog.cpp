@@ -45,13 +45,15 @@ HRESULT ParseInteger(std::string_view text, int64_t& out) noexcept {
     return hr == kKtPanelOutOfRange ? kKtPanelNotOffered : hr;
 }
 
-HRESULT SetText(ComboBoxItem& item, const OfferedValues& offered, std::string_view text) noexcept {
+HRESULT SetText(ComboBoxItem& item, const PropertyRow& row, std::string_view text) noexcept {
     int64_t number = 0;
     const HRESULT hr = ParseInteger(text, number);
     if (FAILED(hr)) return hr;
-    const auto* row = std::find_if(offered.begin(), offered.end(), [&](const auto& o) { return o.value == number; });
-    if (row == offered.end()) return kKtPanelNotOffered;
-    SetForAllClips(item, row->value);
+    const bool isOffered =
+        std::any_of(row.offered.begin(), row.offered.end(), [&](const auto& o) { return o.value == number; });
+    // A default that the dialog does not offer is in force all the same.
+    if (!isOffered && number != static_cast<int64_t>(row.defaultValue)) return kKtPanelNotOffered;
+    SetForAllClips(item, static_cast<uint32_t>(number));
     return S_OK;
 }
 
@@ -164,7 +166,7 @@ class Panel final : public IKtPropertiesPanel {
                 return clipfio::SetText(static_cast<BooleanItem&>(*setting.item), text);
             case PropertyKind::StringCombo:
             case PropertyKind::IntCombo:
-                return clipfio::SetText(static_cast<ComboBoxItem&>(*setting.item), setting.row->offered, text);
+                return clipfio::SetText(static_cast<ComboBoxItem&>(*setting.item), *setting.row, text);
         }
         return E_UNEXPECTED;
     }

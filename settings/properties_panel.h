@@ -31,7 +31,7 @@ enum KtPropertyState : uint32_t {
 // until Answer returns.
 struct IKtPropertiesPanel {
     // `text` is the whole number with "." as decimal point and without blanks: a float within the setting's limits; a
-    // decimal integer among the offered ones; "0" or "1". The setting then counts as changed, even at its old value.
+    // decimal integer among the offered ones or the default; "0" or "1". The setting then counts as changed, even at its old value.
     virtual HRESULT STDMETHODCALLTYPE SetValue(const char* key, const char* text) = 0;
     // Leaves the setting as it is in each clip.
     virtual HRESULT STDMETHODCALLTYPE Unset(const char* key) = 0;

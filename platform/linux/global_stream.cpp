@@ -63,9 +63,11 @@ bool GlobalStream::MakeRoom(std::uint64_t bytes) noexcept {
     const std::uint64_t room = std::max(bytes, room_ < bytes / 2 ? bytes : room_ * 2);
     const HGLOBAL larger = GlobalAlloc(GHND, room);
     if (!larger) return false;
-    std::memcpy(GlobalLock(larger), GlobalLock(block_), size_);
-    GlobalUnlock(larger);
-    GlobalUnlock(block_);
+    if (size_ != 0) {
+        std::memcpy(GlobalLock(larger), GlobalLock(block_), size_);
+        GlobalUnlock(larger);
+        GlobalUnlock(block_);
+    }
     GlobalFree(block_);
     block_ = larger;
     room_ = room;
@@ -147,11 +149,10 @@ extern "C" HRESULT CreateStreamOnHGlobal(HGLOBAL block, BOOL free_block, IStream
     if (!out) return E_INVALIDARG;
     *out = nullptr;
     if (platform::FaultHere()) return E_OUTOFMEMORY;
-    // The stream needs the block's address, and so takes only what is a block.
     const HGLOBAL used = block ? block : GlobalAlloc(GHND, 0);
     if (!used) return E_OUTOFMEMORY;
-    if (!GlobalLock(used)) return E_INVALIDARG;
-    GlobalUnlock(used);
+    SetLastError(ERROR_SUCCESS);
+    if (GlobalSize(used) == 0 && GetLastError() == ERROR_INVALID_HANDLE) return E_INVALIDARG;
     *out = new (std::nothrow) GlobalStream(used, free_block != FALSE);
     if (*out) return S_OK;
     if (!block) GlobalFree(used);

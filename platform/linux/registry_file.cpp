@@ -256,7 +256,8 @@ void RegistryFile::Connect(Use use) {
 void RegistryFile::MakeTables() {
     Transaction transaction(*this);
     // Another process may have been quicker; and another's database is left alone.
-    if (Pragma("PRAGMA user_version") == 0 && Pragma("SELECT count(*) FROM sqlite_schema") == 0) {
+    if (Pragma("PRAGMA user_version") == 0 && Pragma("PRAGMA application_id") == 0 &&
+        Pragma("SELECT count(*) FROM sqlite_schema") == 0) {
         Run(kCreateTables);
         Run(("PRAGMA application_id=" + std::to_string(kApplication)).c_str());
         Run(("PRAGMA user_version=" + std::to_string(kForm)).c_str());

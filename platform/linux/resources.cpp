@@ -191,6 +191,23 @@ void UnregisterResources(HMODULE module) noexcept {
     }
 }
 
+std::size_t ResourceBytesFrom(const void* address) noexcept {
+    const auto at = reinterpret_cast<std::uintptr_t>(address);
+    ResourceImage image{};
+    {
+        PthreadLock lock(Shared().resource_lock);
+        for (const ResourceImage& known : Shared().images) {
+            if (known.bytes && at - reinterpret_cast<std::uintptr_t>(known.bytes) < known.size) image = known;
+        }
+    }
+    Entry entry;
+    for (Walk walk(image); walk.Next(entry);) {
+        const std::uintptr_t into = at - reinterpret_cast<std::uintptr_t>(entry.data);
+        if (into < entry.size) return entry.size - into;
+    }
+    return image.bytes ? 0 : SIZE_MAX;
+}
+
 bool HoldsResource(HMODULE module, HRSRC resource) noexcept {
     Entry entry;
     return EntryOf(module, resource, entry);

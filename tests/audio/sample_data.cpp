@@ -32,9 +32,9 @@ void AppendRemarkableFloats(std::vector<uint8_t>& out) {
         for (const double code : {0.5, 1.0, 1.5, 2.5, scale / 2 + 0.5, scale - 2.5, scale - 1.5, scale - 1.0,
                                   scale - 0.5, scale, scale + 0.5, scale * 2, scale * 65536}) {
             const auto value = static_cast<T>(code / scale);
-            for (const T near : {value, std::nextafter(value, T{0}), std::nextafter(value, T{4})}) {
-                AppendRaw(out, near);
-                AppendRaw(out, static_cast<T>(-near));
+            for (const T neighbour : {value, std::nextafter(value, T{0}), std::nextafter(value, T{4})}) {
+                AppendRaw(out, neighbour);
+                AppendRaw(out, static_cast<T>(-neighbour));
             }
         }
     }

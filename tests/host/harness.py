@@ -2,6 +2,7 @@
 
 import json
 import os
+import shlex
 import shutil
 import struct
 import subprocess
@@ -9,8 +10,8 @@ import tempfile
 import unittest
 import zlib
 
-PROGRAM = os.environ["CLIPFIO"]
-BIN = os.path.dirname(PROGRAM)
+# The program, with what starts it before it where the system does not run it by itself.
+COMMAND = shlex.split(os.environ["CLIPFIO"])
 TIMEOUT = 120
 
 
@@ -40,8 +41,8 @@ class CommandTest(unittest.TestCase):
         self.addCleanup(shutil.rmtree, self.folder, ignore_errors=True)
         self.env = environment(KT_REGISTRY=os.path.join(self.folder, ".registry"))
 
-    def clipfio(self, *args, stdin=b"", env=None, expect=0):
-        done = subprocess.run([PROGRAM, *map(str, args)], input=stdin, capture_output=True, cwd=self.folder,
+    def clipfio(self, *args, stdin=b"", env=None, expect=0, command=COMMAND):
+        done = subprocess.run([*command, *map(str, args)], input=stdin, capture_output=True, cwd=self.folder,
                               env=env or self.env, timeout=TIMEOUT, check=False)
         result = Result(done)
         if expect is not None:
@@ -49,6 +50,15 @@ class CommandTest(unittest.TestCase):
         if expect == 0:
             self.assertNotIn("runtime error", result.err)
         return result
+
+    def program_without_decoder(self):
+        """The command line of a copy of the program with the module beside it and no decoder library."""
+        folder = os.path.dirname(COMMAND[-1])
+        os.mkdir(self.path("alone"))
+        for name in [os.path.basename(COMMAND[-1]), "clipfio.dll", "libclipfio.so"]:
+            if os.path.exists(os.path.join(folder, name)):
+                shutil.copy2(os.path.join(folder, name), self.path("alone"))
+        return [*COMMAND[:-1], os.path.join(self.path("alone"), os.path.basename(COMMAND[-1]))]
 
     def path(self, name):
         return os.path.join(self.folder, name)

@@ -4,7 +4,7 @@ import os
 import subprocess
 import unittest
 
-from harness import PROGRAM, TIMEOUT, CommandTest
+from harness import COMMAND, TIMEOUT, CommandTest
 
 NULL = type(None)
 # The type of each member of an entry; "values" are checked apart.
@@ -91,6 +91,17 @@ class Info(CommandTest):
         self.clipfio("info", nested)
         self.clipfio("info", "./sub/../sub/b.r3d")
 
+    def test_path_that_is_too_long(self):
+        # As long as the module's paths may be, and one more.
+        for length, opens in [(259, True), (260, False)]:
+            with self.subTest(length):
+                folder = "é" * 100 + "/" + "漢" * 80
+                os.makedirs(self.path(folder), exist_ok=True)
+                name = (folder + "/").ljust(length - len(".r3d"), "x") + ".r3d"
+                os.rename(self.path(self.sample()), self.path(name))
+                result = self.clipfio("info", name, expect=0 if opens else 1)
+                self.assertIn("R3D Video" if opens else "259 characters at most", result.out if opens else result.err)
+
     def test_failures_do_not_stop_the_others(self):
         self.sample("good.r3d")
         self.write("empty.r3d", b"")
@@ -130,17 +141,18 @@ class Info(CommandTest):
         self.sample()
         os.mkdir(self.path("nothing"))
         env = {**self.env, "R3DSDKPATH": self.path("nothing")}
+        command = self.program_without_decoder()
         for args in [("info", "--json", "a.r3d"), ("frame", "a.r3d", "0"), ("export", "a.r3d", "out"),
                      ("settings", "a.r3d", "--reset")]:
             with self.subTest(args[0]):
-                result = self.clipfio(*args, env=env, expect=1)
+                result = self.clipfio(*args, env=env, expect=1, command=command)
                 for part in ["REDR3D-x64.dll was not found", "current folder", self.path("nothing")]:
                     self.assertIn(part, result.err)
-        self.assertEqual(self.names(), ["a.r3d", "nothing"])
+        self.assertEqual(self.names(), ["a.r3d", "alone", "nothing"])
 
     def test_reader_that_goes_away(self):
         self.sample()
-        with subprocess.Popen([PROGRAM, "info", "--json", *["a.r3d"] * 40], stdout=subprocess.PIPE,
+        with subprocess.Popen([*COMMAND, "info", "--json", *["a.r3d"] * 40], stdout=subprocess.PIPE,
                               stderr=subprocess.PIPE, cwd=self.folder, env=self.env) as process:
             process.stdout.close()
             error = process.stderr.read()
@@ -149,7 +161,7 @@ class Info(CommandTest):
     def test_full_disk(self):
         self.sample()
         with open("/dev/full", "wb") as full:
-            done = subprocess.run([PROGRAM, "info", "a.r3d"], stdout=full, stderr=subprocess.PIPE, cwd=self.folder,
+            done = subprocess.run([*COMMAND, "info", "a.r3d"], stdout=full, stderr=subprocess.PIPE, cwd=self.folder,
                                   env=self.env, timeout=TIMEOUT, check=False)
         self.assertEqual(done.returncode, 1)
         self.assertIn(b"cannot write to standard output", done.stderr)

@@ -6,7 +6,7 @@ import subprocess
 import time
 import unittest
 
-from harness import PROGRAM, TIMEOUT, CommandTest, make_wav
+from harness import COMMAND, TIMEOUT, CommandTest, make_wav
 
 WIDTH, HEIGHT, FRAMES = 320, 180, 20
 VIDEO = ("-f", "rawvideo", "-s", f"{WIDTH}x{HEIGHT}", "-r", "25")
@@ -70,7 +70,7 @@ class Making(CommandTest):
 
     def test_interrupt_leaves_no_clip(self):
         self.write("a.r3d", b"older")
-        with subprocess.Popen([PROGRAM, "make-sample", "a.r3d", "--frames", "5000"], stderr=subprocess.PIPE,
+        with subprocess.Popen([*COMMAND, "make-sample", "a.r3d", "--frames", "5000"], stderr=subprocess.PIPE,
                               cwd=self.folder, env=self.env) as process:
             deadline = time.monotonic() + TIMEOUT
             while len(self.names()) < 2 and time.monotonic() < deadline and process.poll() is None:

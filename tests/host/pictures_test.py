@@ -6,7 +6,7 @@ import subprocess
 import time
 import unittest
 
-from harness import PROGRAM, TIMEOUT, CommandTest, read_pfm, read_png
+from harness import COMMAND, TIMEOUT, CommandTest, read_pfm, read_png
 
 HEADER = 512
 
@@ -83,6 +83,34 @@ class Pictures(CommandTest):
         self.assertIn("lies behind", self.clipfio("pipe", "a.r3d", "--from", "5", "--to", "4", expect=2).err)
         self.assertEqual(self.names(), ["a.r3d", "cut.r3d"])
 
+    def test_frames_by_their_timecode(self):
+        pixels = 16 * 16 * 3
+        for rate, first, names in [
+                ("24", "01:00:00:22", {"01:00:00:22": 0, "1:0:0:23": 1, "01:00:01:00": 2, "01:00:01:01": 3}),
+                ("25", "23:59:59:23", {"23:59:59:24": 1, "00:00:00:00": 2, "00:00:00:01": 3}),
+                ("29.97", "00:00:59;28", {"00:00:59:29": 1, "00:01:00;02": 2, "00:01:00:03": 3, "00:01:00:00": None}),
+                ("29.97", "00:00:59:28", {"00:00:59:29": 1, "00:01:00:00": 2, "00:01:00;01": 3, "00:01:00:02": None}),
+                ("59.94", "00:01:59;58", {"00:01:59;59": 1, "00:02:00;04": 2, "00:02:00;03": None}),
+                ("23.976", "10:00:00:00", {"10:00:00:03": 3, "10:00:00:04": None, "09:59:59:23": None})]:
+            self.clipfio("make-clip", "a.r3d", "--size", "16x16", "--rate", rate, "--timecode", first,
+                         stdin=b"".join(bytes([0, 50 * n] * pixels) for n in range(4)))
+            for name, frame in names.items():
+                with self.subTest((rate, first, name)):
+                    if frame is None:
+                        result = self.clipfio("pipe", "a.r3d", "--from", name, expect=1)
+                        self.assertIn(f"no frame {name}: the clip has frames {first.replace(';', ':')} to", result.err)
+                        continue
+                    raw = self.pipe("a.r3d", "--from", name, "--to", name)
+                    self.assertEqual(raw, self.pipe("a.r3d", "--from", frame, "--to", frame))
+                    self.assertNotEqual(raw, self.pipe("a.r3d", "--from", (frame + 1) % 4, "--to", (frame + 1) % 4))
+        self.clipfio("frame", "a.r3d", "10:00:00:02")
+        self.clipfio("frame", "a.r3d", "2", "-o", "two.png")
+        self.assertEqual(self.read("a-2.png"), self.read("two.png"))
+        self.clipfio("export", "a.r3d", "d", "--from", "10:00:00:01", "--to", "2")
+        self.assertEqual(self.names("d"), ["000001.png", "000002.png"])
+        self.assertIn("lies behind", self.clipfio("export", "a.r3d", "d", "--from", "10:00:00:03", "--to", "1",
+                                                  expect=2).err)
+
     def test_outputs_that_cannot_be_written(self):
         self.sample()
         os.mkdir(self.path("folder"))
@@ -132,7 +160,7 @@ class Pictures(CommandTest):
     def test_interrupt_leaves_whole_files(self):
         self.sample("a.r3d", "--size", "640x360", "--frames", "120", "--channels", "0")
         os.mkdir(self.path("d"))
-        with subprocess.Popen([PROGRAM, "export", "a.r3d", "d", "--jobs", "2"], stderr=subprocess.PIPE, cwd=self.folder,
+        with subprocess.Popen([*COMMAND, "export", "a.r3d", "d", "--jobs", "2"], stderr=subprocess.PIPE, cwd=self.folder,
                               env=self.env) as process:
             deadline = time.monotonic() + TIMEOUT
             while len(self.names("d")) < 3 and time.monotonic() < deadline and process.poll() is None:
@@ -156,7 +184,7 @@ class Pictures(CommandTest):
 
     def test_pipe_whose_reader_goes_away(self):
         self.sample("a.r3d", "--size", "320x180", "--frames", "24")
-        with subprocess.Popen([PROGRAM, "pipe", "a.r3d"], stdout=subprocess.PIPE, stderr=subprocess.PIPE,
+        with subprocess.Popen([*COMMAND, "pipe", "a.r3d"], stdout=subprocess.PIPE, stderr=subprocess.PIPE,
                               cwd=self.folder, env=self.env) as process:
             process.stdout.read(1000)
             process.stdout.close()
@@ -167,7 +195,7 @@ class Pictures(CommandTest):
     def test_bar_on_a_terminal(self):
         self.sample()
         terminal, screen = os.openpty()
-        done = subprocess.run([PROGRAM, "export", "a.r3d", "d"], stderr=screen, stdout=subprocess.PIPE, cwd=self.folder,
+        done = subprocess.run([*COMMAND, "export", "a.r3d", "d"], stderr=screen, stdout=subprocess.PIPE, cwd=self.folder,
                               env=self.env, timeout=TIMEOUT, check=False)
         os.close(screen)
         shown = os.read(terminal, 100000).decode()
