@@ -3,11 +3,9 @@
 // A menu is used by one thread at a time. A wrong or destroyed menu fails with ERROR_INVALID_MENU_HANDLE.
 #pragma once
 
-#include "platform/base.h"
+#include "platform/window.h"
 
 #ifndef _WIN32
-
-using HMENU = struct HMENU__*;
 
 inline constexpr UINT MF_BYCOMMAND = 0x0;
 inline constexpr UINT MF_BYPOSITION = 0x400;
