@@ -25,7 +25,6 @@ extern "C" INT_PTR DialogBoxIndirectParamW(HINSTANCE, const DLGTEMPLATE*, HWND, 
 }
 extern "C" HWND GetDesktopWindow() noexcept { return NotHere<HWND>(nullptr); }
 extern "C" BOOL GetWindowRect(HWND, RECT*) noexcept { return NotHere(FALSE); }
-extern "C" BOOL DestroyWindow(HWND) noexcept { return NotHere(FALSE); }
 
 extern "C" HACCEL CreateAcceleratorTableW(ACCEL*, int) noexcept { return NotHere<HACCEL>(nullptr); }
 extern "C" HBITMAP LoadBitmapW(HINSTANCE, const WCHAR*) noexcept { return NotHere<HBITMAP>(nullptr); }

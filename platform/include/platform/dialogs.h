@@ -5,6 +5,7 @@
 #pragma once
 
 #include "platform/base.h"
+#include "platform/window.h"
 
 #ifdef _WIN32
 
@@ -16,8 +17,6 @@ using INT_PTR = std::intptr_t;
 using UINT_PTR = std::uintptr_t;
 using HACCEL = struct HACCEL__*;
 using HBITMAP = struct HBITMAP__*;
-using HICON = struct HICON__*;
-using HCURSOR = HICON;
 using HIMAGELIST = struct HIMAGELIST__*;
 using COLORREF = DWORD;
 using DLGPROC = INT_PTR(CALLBACK*)(HWND dialog, UINT message, WPARAM wparam, LPARAM lparam);
@@ -48,7 +47,6 @@ extern "C" INT_PTR DialogBoxIndirectParamW(HINSTANCE module, const DLGTEMPLATE* 
                                            LPARAM parameter) noexcept;  // -1 on failure
 extern "C" HWND GetDesktopWindow() noexcept;
 extern "C" BOOL GetWindowRect(HWND window, RECT* rectangle) noexcept;
-extern "C" BOOL DestroyWindow(HWND window) noexcept;
 
 extern "C" HACCEL CreateAcceleratorTableW(ACCEL* entries, int count) noexcept;
 extern "C" HBITMAP LoadBitmapW(HINSTANCE module, const WCHAR* name) noexcept;
