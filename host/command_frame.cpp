@@ -40,12 +40,12 @@ int Run(Context& context, const Options& options) {
         options.output.empty() ? options.frame.bits == 128 : LowerExtension(options.output) == ".pfm";
     if (is_float_file && options.frame.bits == 32) throw UsageError("a PFM file takes the floats of --bits 128");
     if (options.frame.gamma != 0 && options.frame.bits == 32) throw UsageError("--gamma goes with --bits 128");
-    CheckOutput(output, options.clip);
 
     const InterruptScope interrupts;
     Clip clip = OpenClip(context, options.clip);
     const uint64_t number = FindFrame(position, clip);
     const std::string output = options.output.empty() ? DefaultOutput(options, number) : options.output;
+    CheckOutput(output, options.clip);
     Frame frame;
     ReadFrame(clip.Video(), number, options.frame, frame);
     InterruptScope::Check();

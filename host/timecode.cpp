@@ -32,6 +32,7 @@ std::optional<TimecodeLabel> SplitTimecode(std::string_view text) {
     for (std::size_t i = 0; i < numbers.size(); ++i) {
         const std::size_t end = i + 1 < numbers.size() ? text.find_first_of(":;") : text.size();
         if (end == std::string_view::npos) return std::nullopt;
+        if (i < 2 && text[end] != ':') return std::nullopt;
         const auto number = ReadNumber<uint32_t>(text.substr(0, end));
         if (!number) return std::nullopt;
         numbers[i] = *number;

@@ -16,7 +16,7 @@ struct TimecodeLabel {
     bool drop_frame = false;  // ';' stands before the frames
 };
 
-// "hh:mm:ss:ff" in any widths, with ':' or ';' between the numbers; nothing when it is of another form.
+// "hh:mm:ss:ff" or "hh:mm:ss;ff" in any widths; nothing when it is of another form.
 [[nodiscard]] std::optional<TimecodeLabel> SplitTimecode(std::string_view text);
 
 // Whether the numbers are those of a clock at the rate, and not left out by drop-frame counting.
