@@ -134,6 +134,16 @@ class RuntimeNumber {
     std::size_t length_;
 };
 
+constexpr std::size_t kHexDigits = 8;  // of 32 bits
+
+// How many digits at least a body "x", "04x" and the like asks for; 0 for any other body.
+std::size_t PaddedHexDigits(WStringView body) noexcept {
+    if (body.back() != W('x') && body.back() != W('X')) return 0;
+    if (body.size() == 1) return 1;
+    const bool padded = body.size() == 3 && body[0] == W('0') && body[1] >= W('1') && body[1] <= W('8');
+    return padded ? static_cast<std::size_t>(body[1] - W('0')) : 0;
+}
+
 // N of a body ".Nz", 0 for any other.
 int32_t FixedPointDecimals(WStringView body) noexcept {
     if (body.size() < 3 || body.front() != W('.')) return 0;
@@ -317,11 +327,23 @@ class Engine {
 
     void Integer(const Conversion& conversion) noexcept {
         const int64_t value = TakeInteger(conversion, conversion.kind);
+        if (const std::size_t digits = PaddedHexDigits(conversion.body)) {
+            return PaddedHex(static_cast<uint32_t>(value), digits, conversion.kind);
+        }
         if (!IsReadAlike(conversion.body)) return AsItStands(conversion);
         const RuntimeNumber number(RuntimeFormat(conversion.body).Text(), value);
         const bool decimal = conversion.kind == W('d') || conversion.kind == W('i') || conversion.kind == W('u');
         if (conversion.grouped && decimal) return Number(number.Text(), number.View(), NumberForm::kGrouped, 0);
         AsRuntime(number.View());
+    }
+
+    // As the runtime prints "%08x", which messages are full of, without its help.
+    void PaddedHex(uint32_t value, std::size_t digits, WCHAR kind) noexcept {
+        const WCHAR* const letters = kind == W('x') ? W("0123456789abcdef") : W("0123456789ABCDEF");
+        WCHAR text[kHexDigits];
+        WCHAR* start = text + kHexDigits;
+        for (; value != 0 || start > text + kHexDigits - digits; value >>= 4) *--start = letters[value & 0xF];
+        AsRuntime({start, static_cast<std::size_t>(text + kHexDigits - start)});
     }
 
     void Float(const Conversion& conversion, double value) noexcept {
