@@ -67,8 +67,7 @@ TEST(NumberToText, KeepsToTheSize) {
         check(KtLongLongToTextN, int64_t{1234567});
         WCHAR text[20] = {W('~'), 0};
         const int32_t length = KtDWordLongToTextN(1234567, text, row.size, row.grouped);
-        if (row.size > 0) EXPECT_EQ(static_cast<std::size_t>(length), WStringView(text).size());
-        if (row.size == 0) EXPECT_EQ(length, 0);
+        EXPECT_EQ(static_cast<std::size_t>(length), row.size > 0 ? WStringView(text).size() : 0);
     }
 }
 

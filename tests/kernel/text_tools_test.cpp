@@ -148,7 +148,9 @@ TEST(ColorText, IsWrittenInEachForm) {
         EXPECT_EQ(Utf8(text), expected);
         EXPECT_EQ(KtColorrefToTextEx(text, 20, &length, row.color, row.mode), S_OK);
         EXPECT_EQ(length, expected.size());
-        if (row.color < 0x1000000) EXPECT_EQ(KtTextToColorref(text), row.color) << expected;
+        if (row.color < 0x1000000) {
+            EXPECT_EQ(KtTextToColorref(text), row.color) << expected;
+        }
     }
     WCHAR text[20];
     uint32_t length = 0;
