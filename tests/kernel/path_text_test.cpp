@@ -329,7 +329,7 @@ TEST(PathText, ReplacesABase) {
         {W("ab"), W("abc"), W("x"), 40, E_FAIL, ""},
         {W("abc"), W("a"), W("xyz"), 6, S_OK, "xyzbc"},
         {W("abc"), W("a"), W("xyz"), 5, E_FAIL, ""},
-        {W("a123456789"), W("a"), long_base, 400, S_OK, std::string(250, 'n') + "123456789"},
+        {W("a123456789"), W("a"), long_base, 400, S_OK, std::string(250, 'n').append("123456789")},
         {W("a1234567890"), W("a"), long_base, 400, E_FAIL, ""},
         {nullptr, W("a"), W("x"), 40, E_FAIL, ""},
     };
