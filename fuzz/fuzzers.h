@@ -12,8 +12,10 @@ using FuzzFunction = int(const uint8_t* data, size_t size);
 
 FuzzFunction FuzzClip;
 FuzzFunction FuzzResources;
+FuzzFunction FuzzPrintFormat;
 FuzzFunction FuzzSettingsFile;
 FuzzFunction FuzzTimeText;
+FuzzFunction FuzzTextValues;
 FuzzFunction FuzzWavInput;
 
 struct Fuzzer {
@@ -24,8 +26,10 @@ struct Fuzzer {
 inline constexpr Fuzzer kFuzzers[] = {
     {"clip", FuzzClip},
     {"resources", FuzzResources},
+    {"print_format", FuzzPrintFormat},
     {"settings_file", FuzzSettingsFile},
     {"time_text", FuzzTimeText},
+    {"text_values", FuzzTextValues},
     {"wav_input", FuzzWavInput},
 };
 

@@ -4,6 +4,7 @@
 #include <array>
 #include <cmath>
 #include <limits>
+#include <type_traits>
 
 #include "kernel/characters.h"
 #include "kernel/digits.h"
@@ -134,10 +135,20 @@ class RuntimeNumber {
     std::size_t length_;
 };
 
+constexpr std::size_t kHexDigits = 8;  // of 32 bits
+
+// How many digits at least a body "x", "04x" and the like asks for; 0 for any other body.
+std::size_t PaddedHexDigits(WStringView body) noexcept {
+    if (body.back() != W('x') && body.back() != W('X')) return 0;
+    if (body.size() == 1) return 1;
+    const bool padded = body.size() == 3 && body[0] == W('0') && body[1] >= W('1') && body[1] <= W('8');
+    return padded ? static_cast<std::size_t>(body[1] - W('0')) : 0;
+}
+
 // N of a body ".Nz", 0 for any other.
 int32_t FixedPointDecimals(WStringView body) noexcept {
     if (body.size() < 3 || body.front() != W('.')) return 0;
-    constexpr auto kMostDecimals = static_cast<int32_t>(kLongestNumber - WStringView(W("0.")).size());
+    constexpr int32_t kMostDecimals = std::numeric_limits<double>::max_exponent10;
     int32_t decimals = 0;
     for (const WCHAR c : body.substr(1, body.size() - 2)) {
         if (!IsDigit(c)) return 0;
@@ -175,10 +186,15 @@ WStringView TimeSeparator(const KTINTERNATIONALS& record, WCHAR kind, WCHAR choi
 class Engine {
   public:
     Engine(Sink& sink, TextRule rule, const WCHAR* format, std::va_list arguments) noexcept
-        : sink_(sink), rule_(rule), at_(format) {
+        : Engine(sink, rule, format) {
         va_copy(arguments_, arguments);
+        has_arguments_ = true;
     }
-    ~Engine() { va_end(arguments_); }
+    // Each argument is a zero or an empty text.
+    Engine(Sink& sink, TextRule rule, const WCHAR* format) noexcept : sink_(sink), rule_(rule), at_(format) {}
+    ~Engine() {
+        if (has_arguments_) va_end(arguments_);
+    }
     Engine(const Engine&) = delete;
     Engine& operator=(const Engine&) = delete;
 
@@ -202,6 +218,16 @@ class Engine {
     }
 
   private:
+    template <class Argument>
+    Argument Take() noexcept {
+        if (has_arguments_) return va_arg(arguments_, Argument);
+        if constexpr (std::is_pointer_v<Argument>) {
+            return W("");
+        } else {
+            return Argument{};
+        }
+    }
+
     void LiteralNumber() noexcept {
         const WCHAR* const start = at_++;
         const auto length = [&] { return static_cast<std::size_t>(at_ - start); };
@@ -265,15 +291,13 @@ class Engine {
                 return ChosenSeparator(TimeSeparator(record, conversion.kind, *at_));
             case W('d'):
             case W('i'):
-                return conversion.IsBare() ? Digits(va_arg(arguments_, int32_t), conversion.grouped)
-                                           : Integer(conversion);
+                return conversion.IsBare() ? Digits(Take<int32_t>(), conversion.grouped) : Integer(conversion);
             case W('u'):
-                return conversion.IsBare() ? Digits(va_arg(arguments_, uint32_t), conversion.grouped)
-                                           : Integer(conversion);
+                return conversion.IsBare() ? Digits(Take<uint32_t>(), conversion.grouped) : Integer(conversion);
             case W('c'):
-                return Character(conversion, va_arg(arguments_, int));
+                return Character(conversion, Take<int>());
             case W('s'):
-                return Text(conversion, va_arg(arguments_, const WCHAR*));
+                return Text(conversion, Take<const WCHAR*>());
             case W('z'):
                 return FixedPoint(conversion);
             case W('e'):
@@ -281,7 +305,7 @@ class Engine {
             case W('f'):
             case W('g'):
             case W('G'):
-                return Float(conversion, va_arg(arguments_, double));
+                return Float(conversion, Take<double>());
             default:
                 return Integer(conversion);
         }
@@ -309,19 +333,31 @@ class Engine {
     int64_t TakeInteger(const Conversion& conversion, WCHAR kind) noexcept {
         const std::size_t prefix = conversion.body.find(W('I'));
         if (prefix != WStringView::npos && !conversion.body.substr(prefix).starts_with(W("I32"))) {
-            return va_arg(arguments_, int64_t);
+            return Take<int64_t>();
         }
-        const int32_t value = va_arg(arguments_, int32_t);
+        const int32_t value = Take<int32_t>();
         return kind == W('d') || kind == W('i') ? value : int64_t{static_cast<uint32_t>(value)};
     }
 
     void Integer(const Conversion& conversion) noexcept {
         const int64_t value = TakeInteger(conversion, conversion.kind);
+        if (const std::size_t digits = PaddedHexDigits(conversion.body)) {
+            return PaddedHex(static_cast<uint32_t>(value), digits, conversion.kind);
+        }
         if (!IsReadAlike(conversion.body)) return AsItStands(conversion);
         const RuntimeNumber number(RuntimeFormat(conversion.body).Text(), value);
         const bool decimal = conversion.kind == W('d') || conversion.kind == W('i') || conversion.kind == W('u');
         if (conversion.grouped && decimal) return Number(number.Text(), number.View(), NumberForm::kGrouped, 0);
         AsRuntime(number.View());
+    }
+
+    // As the runtime prints "%08x", which messages are full of, without its help.
+    void PaddedHex(uint32_t value, std::size_t digits, WCHAR kind) noexcept {
+        const WCHAR* const letters = kind == W('x') ? W("0123456789abcdef") : W("0123456789ABCDEF");
+        WCHAR text[kHexDigits];
+        WCHAR* start = text + kHexDigits;
+        for (; value != 0 || start > text + kHexDigits - digits; value >>= 4) *--start = letters[value & 0xF];
+        AsRuntime({start, static_cast<std::size_t>(text + kHexDigits - start)});
     }
 
     void Float(const Conversion& conversion, double value) noexcept {
@@ -342,7 +378,7 @@ class Engine {
     }
 
     void FixedPoint(const Conversion& conversion) noexcept {
-        const int32_t value = va_arg(arguments_, int32_t);
+        const int32_t value = Take<int32_t>();
         if (const int32_t decimals = FixedPointDecimals(conversion.body)) {
             const RuntimeNumber number(decimals, value / PowerOfTen(decimals));
             return Number(number.Text(), number.View(),
@@ -377,15 +413,24 @@ class Engine {
         sink_.Put(conversion.body);
     }
 
+    // A bounded print refuses a size that cannot be one.
+    bool HasTooMuchRoom() noexcept {
+        if (rule_ == TextRule::kPlatform || sink_.Room() < std::numeric_limits<int32_t>::max()) return false;
+        status_ = E_INVALIDARG;
+        return true;
+    }
+
     void Character(const Conversion& conversion, int c) noexcept {
         const WCHAR unit = static_cast<WCHAR>(c);
         if (!conversion.IsBare()) return ByPrint(conversion, c);
+        if (HasTooMuchRoom()) return;
         if (unit != 0) sink_.Put(unit);
         status_ = S_OK;
     }
 
     void Text(const Conversion& conversion, const WCHAR* text) noexcept {
         if (!conversion.IsBare()) return ByPrint(conversion, text);
+        if (HasTooMuchRoom()) return;
         WStringView view = text ? WStringView(text) : WStringView(W("(null)"));
         if (rule_ == TextRule::kPlatform) view = view.substr(0, kLongestPlatformText);
         status_ = sink_.Put(view) ? S_OK : kTextCut;
@@ -403,10 +448,7 @@ class Engine {
             return;
         }
         // What is printed is cut where the room ends, and not gathered before.
-        if (sink_.Room() >= static_cast<std::size_t>(std::numeric_limits<int32_t>::max())) {
-            status_ = E_INVALIDARG;
-            return;
-        }
+        if (HasTooMuchRoom()) return;
         const int length = _snwprintf(sink_.Tail(), sink_.Room() + 1, format.Text(), argument);
         const bool cut = length < 0 || static_cast<std::size_t>(length) > sink_.Room();
         const std::size_t stored = cut ? sink_.Room() : static_cast<std::size_t>(length);
@@ -419,6 +461,7 @@ class Engine {
     TextRule rule_;
     const WCHAR* at_;
     std::va_list arguments_;
+    bool has_arguments_ = false;
     HRESULT status_ = S_OK;
 };
 
@@ -427,6 +470,13 @@ class Engine {
 Printed Print(WCHAR* out, std::size_t size, TextRule rule, const WCHAR* format, std::va_list arguments) noexcept {
     Sink sink(out, size - 1);
     const HRESULT status = Engine(sink, rule, format, arguments).Run();
+    sink.Terminate();
+    return {status, sink.Length()};
+}
+
+Printed PrintWithoutArguments(WCHAR* out, std::size_t size, const WCHAR* format) noexcept {
+    Sink sink(out, size - 1);
+    const HRESULT status = Engine(sink, TextRule::kBounded, format).Run();
     sink.Terminate();
     return {status, sink.Length()};
 }

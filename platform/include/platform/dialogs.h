@@ -4,6 +4,7 @@
 // result that Win32 has for a failure.
 #pragma once
 
+#include "platform/base.h"
 #include "platform/window.h"
 
 #ifdef _WIN32

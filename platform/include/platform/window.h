@@ -5,12 +5,12 @@
 #pragma once
 
 #include "platform/base.h"
+#include "platform/menu.h"
 
 #ifndef _WIN32
 
 using LRESULT = LONG_PTR;
 using ATOM = WORD;
-using HMENU = struct HMENU__*;
 using HICON = struct HICON__*;
 using HCURSOR = HICON;
 using HBRUSH = struct HBRUSH__*;
