@@ -184,11 +184,8 @@ WStringView TimeSeparator(const KTINTERNATIONALS& record, WCHAR kind, WCHAR choi
 
 class Engine {
   public:
-    Engine(Sink& sink, TextRule rule, const WCHAR* format, std::va_list arguments) noexcept
-        : sink_(sink), rule_(rule), at_(format) {
-        va_copy(arguments_, arguments);
-    }
-    ~Engine() { va_end(arguments_); }
+    Engine(Sink& sink, TextRule rule, const WCHAR* format, PrintArguments& arguments) noexcept
+        : sink_(sink), rule_(rule), at_(format), arguments_(arguments) {}
     Engine(const Engine&) = delete;
     Engine& operator=(const Engine&) = delete;
 
@@ -204,6 +201,10 @@ class Engine {
             } else if (c == W('$') && at_[1] == W('(')) {
                 at_ += 2;
                 IsDigit(*at_) || *at_ == W('-') || *at_ == W('.') ? LiteralNumber() : NamedText();
+            } else if (at_[1] == W('d')) {
+                // What is printed most goes the shortest way.
+                at_ += 2;
+                Digits(va_arg(arguments_.list, int32_t), c == W('$'));
             } else {
                 Convert(Gather());
             }
@@ -275,15 +276,15 @@ class Engine {
                 return ChosenSeparator(TimeSeparator(record, conversion.kind, *at_));
             case W('d'):
             case W('i'):
-                return conversion.IsBare() ? Digits(va_arg(arguments_, int32_t), conversion.grouped)
+                return conversion.IsBare() ? Digits(va_arg(arguments_.list, int32_t), conversion.grouped)
                                            : Integer(conversion);
             case W('u'):
-                return conversion.IsBare() ? Digits(va_arg(arguments_, uint32_t), conversion.grouped)
+                return conversion.IsBare() ? Digits(va_arg(arguments_.list, uint32_t), conversion.grouped)
                                            : Integer(conversion);
             case W('c'):
-                return Character(conversion, va_arg(arguments_, int));
+                return Character(conversion, va_arg(arguments_.list, int));
             case W('s'):
-                return Text(conversion, va_arg(arguments_, const WCHAR*));
+                return Text(conversion, va_arg(arguments_.list, const WCHAR*));
             case W('z'):
                 return FixedPoint(conversion);
             case W('e'):
@@ -291,7 +292,7 @@ class Engine {
             case W('f'):
             case W('g'):
             case W('G'):
-                return Float(conversion, va_arg(arguments_, double));
+                return Float(conversion, va_arg(arguments_.list, double));
             default:
                 return Integer(conversion);
         }
@@ -309,9 +310,27 @@ class Engine {
     }
 
     void Digits(int64_t value, bool grouped) noexcept {
+        const KTINTERNATIONALS& record = InternationalsRecord();
+        if (!grouped || value == 0 || record.record_size == 0) return PlainDigits(value);
         const DecimalDigits digits(value);
-        if (grouped) return Number(digits.Text(), digits.View(), NumberForm::kGrouped, 0);
-        status_ = sink_.Put(digits.View()) ? S_OK : kBufferTooSmall;
+        const int32_t length = GroupDigits(digits.View(), sink_.Tail(), sink_.Room(), record);
+        sink_.Advance(static_cast<std::size_t>(length));
+        if (length == 0) sink_.Put(digits.View());
+        status_ = length > 0 ? S_OK : kBufferTooSmall;
+    }
+
+    void PlainDigits(int64_t value) noexcept {
+        const uint64_t magnitude = Magnitude(value);
+        const std::size_t length = CountDigits(magnitude) + (value < 0 ? 1 : 0);
+        if (length > sink_.Room()) {
+            sink_.Put(DecimalDigits(value).View());
+            status_ = kBufferTooSmall;
+            return;
+        }
+        if (value < 0) *sink_.Tail() = W('-');
+        WriteDigits(sink_.Tail() + length, magnitude);
+        sink_.Advance(length);
+        status_ = S_OK;
     }
 
     // "I32" is a 32-bit number, an I with anything else a 64-bit one. The runtime gets 64 bits in any case, so that
@@ -319,9 +338,9 @@ class Engine {
     int64_t TakeInteger(const Conversion& conversion, WCHAR kind) noexcept {
         const std::size_t prefix = conversion.body.find(W('I'));
         if (prefix != WStringView::npos && !conversion.body.substr(prefix).starts_with(W("I32"))) {
-            return va_arg(arguments_, int64_t);
+            return va_arg(arguments_.list, int64_t);
         }
-        const int32_t value = va_arg(arguments_, int32_t);
+        const int32_t value = va_arg(arguments_.list, int32_t);
         return kind == W('d') || kind == W('i') ? value : int64_t{static_cast<uint32_t>(value)};
     }
 
@@ -364,7 +383,7 @@ class Engine {
     }
 
     void FixedPoint(const Conversion& conversion) noexcept {
-        const int32_t value = va_arg(arguments_, int32_t);
+        const int32_t value = va_arg(arguments_.list, int32_t);
         if (const int32_t decimals = FixedPointDecimals(conversion.body)) {
             const RuntimeNumber number(decimals, value / PowerOfTen(decimals));
             return Number(number.Text(), number.View(),
@@ -440,13 +459,13 @@ class Engine {
     Sink& sink_;
     TextRule rule_;
     const WCHAR* at_;
-    std::va_list arguments_;
+    PrintArguments& arguments_;
     HRESULT status_ = S_OK;
 };
 
 }  // namespace
 
-Printed Print(WCHAR* out, std::size_t size, TextRule rule, const WCHAR* format, std::va_list arguments) noexcept {
+Printed Print(WCHAR* out, std::size_t size, TextRule rule, const WCHAR* format, PrintArguments& arguments) noexcept {
     Sink sink(out, size - 1);
     const HRESULT status = Engine(sink, rule, format, arguments).Run();
     sink.Terminate();
