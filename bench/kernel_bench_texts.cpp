@@ -19,8 +19,8 @@
 
 namespace {
 
-constexpr int kRounds = 25;
-constexpr int kCalls = 200'000;
+constexpr int kRounds = 400;
+constexpr int kCalls = 10'000;
 constexpr double kRowGoal = 3.0;
 constexpr double kIdGoal = 1.5;
 

@@ -21,16 +21,30 @@ namespace {
 
 CLI::App& App(void* parser) { return *static_cast<CLI::App*>(parser); }
 
+// The parser takes "[a,b]" among several values for a list. A mark in front keeps it from that, and is taken off again
+// where the value arrives; nobody types one.
+constexpr char kMark = '\x1F';
+
+std::string Marked(const std::string& argument) {
+    return argument.starts_with('[') && argument.ends_with(']') ? kMark + argument : argument;
+}
+
+std::string Unmarked(std::string text) {
+    std::erase(text, kMark);
+    return text;
+}
+
 }  // namespace
 
 void Arguments::Text(const char* name, std::string& value, const char* help, const char* type, Need need) {
-    CLI::Option* option = App(parser_).add_option(name, value, help)->type_name(type)->required(need == kRequired);
+    CLI::Option* option =
+        App(parser_).add_option(name, value, help)->type_name(type)->transform(Unmarked)->required(need == kRequired);
     if (!value.empty()) option->capture_default_str();
 }
 
 void Arguments::Texts(const char* name, std::vector<std::string>& values, const char* help, const char* type) {
-    // Without extra arguments an option takes one value each time, and a value in brackets is not taken for a list.
-    App(parser_).add_option(name, values, help)->type_name(type)->allow_extra_args(false);
+    CLI::Option* option = App(parser_).add_option(name, values, help)->type_name(type)->transform(Unmarked);
+    if (name[0] == '-') option->allow_extra_args(false);
 }
 
 void Arguments::Number(const char* name, uint32_t& value, uint32_t lowest, uint32_t highest, const char* help,
@@ -88,6 +102,7 @@ Arguments CommandLine::Add(const char* command, const char* text, std::function<
 }
 
 int CommandLine::Run(std::vector<std::string> args) {
+    std::ranges::transform(args, args.begin(), Marked);
     std::reverse(args.begin(), args.end());
     try {
         parser_->app.parse(std::move(args));
@@ -99,9 +114,9 @@ int CommandLine::Run(std::vector<std::string> args) {
     } catch (const CLI::ParseError& error) {
         const std::vector<std::string> unknown = parser_->app.remaining();
         if (parser_->app.get_subcommands().empty() && !unknown.empty() && unknown[0][0] != '-') {
-            throw UsageError("there is no command '" + unknown[0] + "'");
+            throw UsageError(Unmarked("there is no command '" + unknown[0] + "'"));
         }
-        throw UsageError(error.what());
+        throw UsageError(Unmarked(error.what()));
     }
     return parser_->run();
 }

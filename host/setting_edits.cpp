@@ -6,6 +6,7 @@
 
 #include "host/failure.h"
 #include "host/numbers.h"
+#include "settings/properties_panel.h"
 #include "settings/property_table.h"
 
 namespace clipfio::host {
@@ -27,12 +28,11 @@ const PropertyRow& RowOf(const std::string& key) {
 }
 
 // Of a choice.
-std::string DefaultText(const PropertyRow& row) { return std::to_string(static_cast<uint32_t>(row.defaultValue)); }
+std::string DefaultText(const PropertyRow& row) { return std::to_string(FreshChoice(row)); }
 
 bool OffersDefault(const PropertyRow& row) {
-    return std::ranges::any_of(row.offered, [&](const OfferedValue& offered) {
-        return offered.value == static_cast<uint32_t>(row.defaultValue);
-    });
+    return std::ranges::any_of(row.offered,
+                               [&](const OfferedValue& offered) { return offered.value == FreshChoice(row); });
 }
 
 std::string Limits(const PropertyRow& row) {

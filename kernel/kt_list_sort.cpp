@@ -12,17 +12,10 @@ int Levels(std::size_t upper, std::size_t lower) noexcept { return std::countl_z
 // The two kinds of array, with items counted from 1 as a heap has them.
 class Pointers {
   public:
-    explicit Pointers(const tKTLIST& list) noexcept : slots_(static_cast<void**>(list.array) - 1) {}
-    const void* operator[](std::size_t i) const noexcept { return slots_[i]; }
-    void Swap(std::size_t a, std::size_t b) const noexcept { std::swap(slots_[a], slots_[b]); }
-    // The item at `from` goes down to `to`, and each item on the way one place up.
-    void Sink(std::size_t from, std::size_t to) const noexcept {
-        void* const item = slots_[from];
-        for (int shift = Levels(from, to); shift > 0; --shift) {
-            slots_[to >> shift] = slots_[to >> (shift - 1)];
-        }
-        slots_[to] = item;
-    }
+    explicit Pointers(const tKTLIST& list) noexcept : slots_(static_cast<void**>(list.array)) {}
+    const void* operator[](std::size_t i) const noexcept { return slots_[i - 1]; }
+    void Swap(std::size_t a, std::size_t b) const noexcept { std::swap(slots_[a - 1], slots_[b - 1]); }
+    void Put(std::size_t i, const void* item) const noexcept { slots_[i - 1] = const_cast<void*>(item); }
 
   private:
     void** slots_;
@@ -70,13 +63,33 @@ void SelectionSort(const Slots& slots, std::size_t count, uintptr_t criteria, KT
 // Sinks the item at `root` to where no child is greater. Its place is looked for from below, along the greatest
 // children, as most items belong near the bottom: that takes about half the compares of a search from above and finds
 // the same place.
-template <class Slots>
-void Sift(const Slots& slots, std::size_t root, std::size_t count, uintptr_t criteria, KTLISTCOMPARE compare) noexcept {
+void Sift(const InPlace& slots, std::size_t root, std::size_t count, uintptr_t criteria,
+          KTLISTCOMPARE compare) noexcept {
     std::size_t at = root;
     while (2 * at < count) at = 2 * at + (compare(criteria, slots[2 * at + 1], slots[2 * at]) > 0);
     if (2 * at == count) at = count;
     while (at != root && compare(criteria, slots[root], slots[at]) >= 0) at /= 2;
     slots.Sink(root, at);
+}
+
+// The same, with pointers moved up on the way down, while they are at hand.
+void Sift(const Pointers& slots, std::size_t root, std::size_t count, uintptr_t criteria,
+          KTLISTCOMPARE compare) noexcept {
+    const void* const item = slots[root];
+    std::size_t at = root;
+    while (2 * at < count) {
+        const void* const left = slots[2 * at];
+        const void* const right = slots[2 * at + 1];
+        const bool is_right = compare(criteria, right, left) > 0;
+        slots.Put(at, is_right ? right : left);
+        at = 2 * at + is_right;
+    }
+    if (2 * at == count) {
+        slots.Put(at, slots[count]);
+        at = count;
+    }
+    for (; at != root && compare(criteria, item, slots[at / 2]) >= 0; at /= 2) slots.Put(at, slots[at / 2]);
+    slots.Put(at, item);
 }
 
 template <class Slots>

@@ -45,6 +45,7 @@ struct KtMetric : clipfio::HeapObject {
     WCHAR path[clipfio::MetricPath::kSize];
     HKEY key;  // null where opening failed
 };
+static_assert(offsetof(KtMetric, key) == 520);
 
 namespace clipfio {
 

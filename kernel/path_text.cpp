@@ -2,25 +2,23 @@
 
 #include <algorithm>
 
+#include "kernel/characters.h"
 #include "kernel/text_copy.h"
 #include "platform/text.h"
 
 namespace {
 
 using clipfio::CopyText;
+using clipfio::IsDigit;
+using clipfio::IsSpace;
 
 constexpr size_t kPathSize = 260;  // characters, terminator included
 
 const WCHAR* OrEmpty(const WCHAR* text) noexcept { return text ? text : W(""); }
 int32_t LengthOf(const WCHAR* text) noexcept { return static_cast<int32_t>(WStringView(text).size()); }
-constexpr bool IsDigit(WCHAR c) noexcept { return c >= W('0') && c <= W('9'); }
 
-constexpr bool IsWhiteSpace(WCHAR c) noexcept {
-    return c == W(' ') || (c >= W('\t') && c <= W('\r')) || c == 0x85 || c == 0xA0 || c == 0x1680 ||
-           (c >= 0x2000 && c <= 0x200A) || c == 0x2028 || c == 0x2029 || c == 0x202F || c == 0x205F || c == 0x3000;
-}
 // Of a narrow text only what is ASCII can be told without its code page.
-constexpr bool IsWhiteSpace(char c) noexcept { return c == ' ' || (c >= '\t' && c <= '\r'); }
+constexpr bool IsSpace(char c) noexcept { return c == ' ' || (c >= '\t' && c <= '\r'); }
 
 const WCHAR* Next(const WCHAR* text) noexcept { return text + 1; }
 const char* Next(const char* text) noexcept { return CharNextA(text); }
@@ -41,7 +39,7 @@ const Char* FindExtension(const Char* text) noexcept {
     for (; p && *p; p = Next(p)) {
         if (*p == '.') {
             dot = p;
-        } else if (IsWhiteSpace(*p)) {
+        } else if (IsSpace(*p)) {
             dot = nullptr;
         }
     }

@@ -27,4 +27,7 @@ struct PrintArguments {
 // `size` counts the terminator and is at least 1, or kUnlimited; neither pointer is null.
 Printed Print(WCHAR* out, std::size_t size, TextRule rule, const WCHAR* format, PrintArguments& arguments) noexcept;
 
+// The same, bounded, for a text that nobody has arguments for: each one that it asks for is 0 or empty.
+Printed PrintWithoutArguments(WCHAR* out, std::size_t size, const WCHAR* format) noexcept;
+
 }  // namespace clipfio

@@ -16,6 +16,9 @@ static_assert(static_cast<uint32_t>(ItemState::Mixed) == kKtPropertyMixed);
 static_assert(static_cast<uint32_t>(ItemState::Agreed) == kKtPropertyAgreed);
 static_assert(static_cast<uint32_t>(ItemState::Changed) == kKtPropertyChanged);
 
+static_assert(FreshChoice(*FindProperty("ColorVersion")) == DecodeSettingsRecord{}.colorVersion);
+static_assert(FreshChoice(*FindProperty("ImageGammaCurve")) == DecodeSettingsRecord{}.imageGammaCurve);
+
 // The whole text as a number; infinities and the like are none.
 template <class T>
 HRESULT ParseWhole(std::string_view text, T& out) noexcept {
@@ -51,8 +54,8 @@ HRESULT SetText(ComboBoxItem& item, const PropertyRow& row, std::string_view tex
     if (FAILED(hr)) return hr;
     const bool isOffered =
         std::any_of(row.offered.begin(), row.offered.end(), [&](const auto& o) { return o.value == number; });
-    // A default that the dialog does not offer is in force all the same.
-    if (!isOffered && number != static_cast<int64_t>(row.defaultValue)) return kKtPanelNotOffered;
+    // What a fresh record holds is in force where nobody chose, offered or not.
+    if (!isOffered && number != FreshChoice(row)) return kKtPanelNotOffered;
     SetForAllClips(item, static_cast<uint32_t>(number));
     return S_OK;
 }

@@ -21,7 +21,7 @@ class Pictures(CommandTest):
     def test_sizes(self):
         self.sample("a.r3d", "--size", "98x66", "--frames", "2")
         for scale, size in [("1", (98, 66)), ("0.5", (49, 33)), ("0.3", (49, 33)), ("0.25", (24, 16)),
-                            ("0.125", (12, 8)), ("0.0625", (6, 4))]:
+                            ("0.125", (12, 8)), ("0.0625", (6, 4)), ("0.0001", (6, 4)), ("1e-320", (6, 4))]:
             with self.subTest(scale):
                 result = self.clipfio("frame", "a.r3d", "1", "--scale", scale, "-o", "f.png")
                 self.assertEqual(result.out, "")
@@ -205,6 +205,19 @@ class Pictures(CommandTest):
         self.assertIn("100%", shown)
         self.assertIn("12 of 12 frames", shown.split("\033[K")[-1])
 
+    def test_the_bar_goes_before_the_closing_line(self):
+        self.sample()
+        for args in [("make-sample", "b.r3d", "--size", "16x16"), ("sheet", "a.r3d", "-o", "s.png"),
+                     ("audio", "a.r3d", "-o", "s.wav"), ("waveform", "a.r3d", "-o", "w.png"), ("export", "a.r3d", "d")]:
+            with self.subTest(args[0]):
+                terminal, screen = os.openpty()
+                subprocess.run([*COMMAND, *args], stderr=screen, cwd=self.folder, env=self.env, timeout=TIMEOUT,
+                               check=True)
+                os.close(screen)
+                shown = os.read(terminal, 100000).decode()
+                os.close(terminal)
+                self.assertRegex(shown, r"\r\033\[Kclipfio: [^\033]*\n$")
+
     def test_sheet(self):
         self.sample()
         cell = (64 + 8, 42 + 22 + 8)
@@ -212,6 +225,14 @@ class Pictures(CommandTest):
             with self.subTest(frames):
                 self.clipfio("sheet", "a.r3d", "-o", "s.png", "--frames", frames, "--width", "64")
                 self.assertEqual(self.png("s.png")[:3], (columns * cell[0] + 8, rows * cell[1] + 8, 8))
+        # A clip that is almost all width, and a sheet that no PNG holds, which is said before the work.
+        self.sample("wide.r3d", "--size", "1280x3", "--frames", "1")
+        self.clipfio("sheet", "wide.r3d", "-o", "s.png", "--frames", "1", "--width", "64")
+        self.assertEqual(self.png("s.png")[:2], (80, 1 + 22 + 16))
+        self.sample("long.r3d", "--size", "64x64", "--frames", "400", "--channels", "0")
+        self.assertIn("too large", self.clipfio("sheet", "long.r3d", "-o", "x.png", "--frames", "400", "--width", "2048",
+                                                expect=1).err)
+        self.clipfio("sheet", "a.r3d", "-o", "s.png", "--frames", "400", "--width", "64")
         # Another look gives another sheet.
         before = self.read("s.png")
         self.clipfio("settings", "a.r3d", "--set", "Saturation=0")

@@ -102,6 +102,21 @@ TEST_F(RegistryFiles, HandlesBelongToTheirFolder) {
     EXPECT_EQ(RegDeleteValueW(key.Get(), u"v"), static_cast<LSTATUS>(ERROR_INVALID_HANDLE));
 }
 
+TEST_F(RegistryFiles, KeepToTheLimitsOfNamesAndRights) {
+    ScopedKey key, none;
+    EXPECT_EQ(RegCreateKeyW(HKEY_CURRENT_USER, WString(256, u'n').c_str(), key.Out()),
+              static_cast<LSTATUS>(ERROR_INVALID_PARAMETER));
+    WString deep = u"d";
+    for (int i = 0; i < 512; ++i) deep += u"\\d";
+    EXPECT_EQ(RegCreateKeyW(HKEY_CURRENT_USER, deep.c_str(), key.Out()), static_cast<LSTATUS>(ERROR_INVALID_PARAMETER));
+    EXPECT_EQ(RegSetValueExW(HKEY_CURRENT_USER, WString(16384, u'n').c_str(), 0, REG_NONE, nullptr, 0),
+              static_cast<LSTATUS>(ERROR_INVALID_PARAMETER));
+    EXPECT_EQ(RegSetValueExW(HKEY_CURRENT_USER, u"v", 0, REG_NONE, nullptr, 1), static_cast<LSTATUS>(ERROR_NOACCESS));
+    ASSERT_EQ(Write(1), 0);
+    ASSERT_EQ(RegOpenKeyExW(HKEY_CURRENT_USER, u"Software", 0, KEY_READ, key.Out()), 0);
+    EXPECT_EQ(RegCreateKeyW(key.Get(), u"new", none.Out()), static_cast<LSTATUS>(ERROR_ACCESS_DENIED));
+}
+
 TEST_F(RegistryFiles, DamagedAreToldAndLeftAlone) {
     ASSERT_EQ(Write(1), 0);
     Sql("PRAGMA wal_checkpoint(TRUNCATE)");
