@@ -185,16 +185,9 @@ WStringView TimeSeparator(const KTINTERNATIONALS& record, WCHAR kind, WCHAR choi
 
 class Engine {
   public:
-    Engine(Sink& sink, TextRule rule, const WCHAR* format, std::va_list arguments) noexcept
-        : Engine(sink, rule, format) {
-        va_copy(arguments_, arguments);
-        has_arguments_ = true;
-    }
-    // Each argument is a zero or an empty text.
-    Engine(Sink& sink, TextRule rule, const WCHAR* format) noexcept : sink_(sink), rule_(rule), at_(format) {}
-    ~Engine() {
-        if (has_arguments_) va_end(arguments_);
-    }
+    // Without arguments each is a zero or an empty text.
+    Engine(Sink& sink, TextRule rule, const WCHAR* format, PrintArguments* arguments) noexcept
+        : sink_(sink), rule_(rule), at_(format), arguments_(arguments) {}
     Engine(const Engine&) = delete;
     Engine& operator=(const Engine&) = delete;
 
@@ -210,6 +203,10 @@ class Engine {
             } else if (c == W('$') && at_[1] == W('(')) {
                 at_ += 2;
                 IsDigit(*at_) || *at_ == W('-') || *at_ == W('.') ? LiteralNumber() : NamedText();
+            } else if (at_[1] == W('d')) {
+                // What is printed most goes the shortest way.
+                at_ += 2;
+                Digits(Take<int32_t>(), c == W('$'));
             } else {
                 Convert(Gather());
             }
@@ -220,7 +217,7 @@ class Engine {
   private:
     template <class Argument>
     Argument Take() noexcept {
-        if (has_arguments_) return va_arg(arguments_, Argument);
+        if (arguments_) return va_arg(arguments_->list, Argument);
         if constexpr (std::is_pointer_v<Argument>) {
             return W("");
         } else {
@@ -323,9 +320,27 @@ class Engine {
     }
 
     void Digits(int64_t value, bool grouped) noexcept {
+        const KTINTERNATIONALS& record = InternationalsRecord();
+        if (!grouped || value == 0 || record.record_size == 0) return PlainDigits(value);
         const DecimalDigits digits(value);
-        if (grouped) return Number(digits.Text(), digits.View(), NumberForm::kGrouped, 0);
-        status_ = sink_.Put(digits.View()) ? S_OK : kBufferTooSmall;
+        const int32_t length = GroupDigits(digits.View(), sink_.Tail(), sink_.Room(), record);
+        sink_.Advance(static_cast<std::size_t>(length));
+        if (length == 0) sink_.Put(digits.View());
+        status_ = length > 0 ? S_OK : kBufferTooSmall;
+    }
+
+    void PlainDigits(int64_t value) noexcept {
+        const uint64_t magnitude = Magnitude(value);
+        const std::size_t length = CountDigits(magnitude) + (value < 0 ? 1 : 0);
+        if (length > sink_.Room()) {
+            sink_.Put(DecimalDigits(value).View());
+            status_ = kBufferTooSmall;
+            return;
+        }
+        if (value < 0) *sink_.Tail() = W('-');
+        WriteDigits(sink_.Tail() + length, magnitude);
+        sink_.Advance(length);
+        status_ = S_OK;
     }
 
     // "I32" is a 32-bit number, an I with anything else a 64-bit one. The runtime gets 64 bits in any case, so that
@@ -460,23 +475,22 @@ class Engine {
     Sink& sink_;
     TextRule rule_;
     const WCHAR* at_;
-    std::va_list arguments_;
-    bool has_arguments_ = false;
+    PrintArguments* arguments_;
     HRESULT status_ = S_OK;
 };
 
 }  // namespace
 
-Printed Print(WCHAR* out, std::size_t size, TextRule rule, const WCHAR* format, std::va_list arguments) noexcept {
+Printed Print(WCHAR* out, std::size_t size, TextRule rule, const WCHAR* format, PrintArguments& arguments) noexcept {
     Sink sink(out, size - 1);
-    const HRESULT status = Engine(sink, rule, format, arguments).Run();
+    const HRESULT status = Engine(sink, rule, format, &arguments).Run();
     sink.Terminate();
     return {status, sink.Length()};
 }
 
 Printed PrintWithoutArguments(WCHAR* out, std::size_t size, const WCHAR* format) noexcept {
     Sink sink(out, size - 1);
-    const HRESULT status = Engine(sink, TextRule::kBounded, format).Run();
+    const HRESULT status = Engine(sink, TextRule::kBounded, format, nullptr).Run();
     sink.Terminate();
     return {status, sink.Length()};
 }
