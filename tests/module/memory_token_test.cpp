@@ -15,9 +15,11 @@ namespace {
 
 constexpr std::size_t kBytes = 300;
 
-// Open files of this process, where the system shows them: mappings and processes are among them.
+// Open files of this process, where the system shows them as its own (and not those of a system around it): mappings
+// and processes are among them.
 std::ptrdiff_t OpenFiles() {
     std::error_code none;
+    if (!std::filesystem::is_symlink("/proc/self/exe", none)) return 0;
     const std::filesystem::directory_iterator folder("/proc/self/fd", none);
     return none ? 0 : std::distance(begin(folder), end(folder));
 }
