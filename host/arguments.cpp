@@ -4,7 +4,9 @@
 #include <algorithm>
 #include <iostream>
 #include <set>
+#include <sstream>
 
+#include "host/console.h"
 #include "host/failure.h"
 #include "host/numbers.h"
 
@@ -19,15 +21,29 @@ namespace {
 
 CLI::App& App(void* parser) { return *static_cast<CLI::App*>(parser); }
 
+// The parser takes "[a,b]" among several values for a list. A mark in front keeps it from that, and is taken off again
+// where the value arrives; nobody types one.
+constexpr char kMark = '\x1F';
+
+std::string Marked(const std::string& argument) {
+    return argument.starts_with('[') && argument.ends_with(']') ? kMark + argument : argument;
+}
+
+std::string Unmarked(std::string text) {
+    std::erase(text, kMark);
+    return text;
+}
+
 }  // namespace
 
 void Arguments::Text(const char* name, std::string& value, const char* help, const char* type, Need need) {
-    CLI::Option* option = App(parser_).add_option(name, value, help)->type_name(type)->required(need == kRequired);
+    CLI::Option* option =
+        App(parser_).add_option(name, value, help)->type_name(type)->transform(Unmarked)->required(need == kRequired);
     if (!value.empty()) option->capture_default_str();
 }
 
 void Arguments::Texts(const char* name, std::vector<std::string>& values, const char* help, const char* type) {
-    CLI::Option* option = App(parser_).add_option(name, values, help)->type_name(type);
+    CLI::Option* option = App(parser_).add_option(name, values, help)->type_name(type)->transform(Unmarked);
     if (name[0] == '-') option->allow_extra_args(false);
 }
 
@@ -86,19 +102,21 @@ Arguments CommandLine::Add(const char* command, const char* text, std::function<
 }
 
 int CommandLine::Run(std::vector<std::string> args) {
+    std::ranges::transform(args, args.begin(), Marked);
     std::reverse(args.begin(), args.end());
     try {
         parser_->app.parse(std::move(args));
     } catch (const CLI::Success& wanted) {
-        parser_->app.exit(wanted, std::cout, std::cerr);
-        std::cout.flush();
+        std::ostringstream text;
+        parser_->app.exit(wanted, text, std::cerr);
+        static_cast<void>(WriteStandardOutput(text.view().data(), text.view().size()));
         return kExitDone;
     } catch (const CLI::ParseError& error) {
         const std::vector<std::string> unknown = parser_->app.remaining();
         if (parser_->app.get_subcommands().empty() && !unknown.empty() && unknown[0][0] != '-') {
-            throw UsageError("there is no command '" + unknown[0] + "'");
+            throw UsageError(Unmarked("there is no command '" + unknown[0] + "'"));
         }
-        throw UsageError(error.what());
+        throw UsageError(Unmarked(error.what()));
     }
     return parser_->run();
 }

@@ -1,19 +1,18 @@
 #include "host/clip.h"
 
-#include <algorithm>
 #include <array>
 #include <cerrno>
-#include <cmath>
-#include <cstdio>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
 
+#include "host/answering_sink.h"
 #include "host/failure.h"
 #include "host/numbers.h"
 #include "host/output_file.h"
 #include "host/result_text.h"
 #include "platform/text.h"
+#include "settings/property_table.h"
 
 namespace clipfio::host {
 namespace {
@@ -22,7 +21,15 @@ namespace fs = std::filesystem;
 
 constexpr uint32_t kOpenAtOnce = 1;
 constexpr std::size_t kSignatureEnd = 8;
-constexpr int64_t kSecond = 10'000'000;
+
+// A device or a pipe could make the module wait for ever.
+void RefuseDevice(const std::string& path) {
+    std::error_code error;
+    const fs::file_status status = fs::status(PathFromUtf8(path), error);
+    if (fs::exists(status) && !fs::is_regular_file(status) && !fs::is_directory(status)) {
+        throw Failure("it is a device or a pipe, not a clip");
+    }
+}
 
 // Why the module does not take the file for a clip, as far as a look at the file tells.
 std::string WhyNoClip(const std::string& path) {
@@ -44,10 +51,40 @@ std::string WhyNoClip(const std::string& path) {
     return "it is no R3D clip: neither RED1 nor RED2 stands at byte 4";
 }
 
-std::string WhyNotOpened(HRESULT result) {
-    if (!IsDecoderFileThere()) {
+// Whether the module has settings, which it makes only with a decoder library that it can use.
+class SettingsProbe final : public AnsweringSink {
+  public:
+    [[nodiscard]] bool Found() const { return found_; }
+
+    HRESULT STDMETHODCALLTYPE Answer(IKtPropertiesPanel* panel) noexcept override {
+        uint32_t state = 0;
+        found_ = panel->GetState(kPropertyTable[0].key.text, &state) == S_OK;
+        return S_FALSE;
+    }
+
+  private:
+    bool found_ = false;
+};
+
+bool HasDecoder(const Module& module, const WString& path) {
+    platform::ComPtr<IKtReadFile> file;
+    platform::ComPtr<IKtFileIOMediaProperties> properties;
+    SettingsProbe probe;
+    uint32_t ok = 0;
+    return SUCCEEDED(module.FileClass().CreateNamed(file.Out(), 0, 0, path.c_str(), 0)) && file &&
+           SUCCEEDED(file->QueryInterface(IID_IKtFileIOMediaProperties, properties.OutVoid())) &&
+           SUCCEEDED(properties->BeginProperties()) &&
+           SUCCEEDED(properties->ShowPropertiesDialog(nullptr, 0, &probe, &ok)) && probe.Found();
+}
+
+std::string WhyNotOpened(const Module& module, const WString& path, HRESULT result) {
+    const std::string decoder = DecoderFile();
+    if (decoder.empty()) {
         return std::string("the decoder library ") + kDecoderFile + " was not found; looked in " + DecoderSearchText() +
                ". Set R3DSDKPATH to the folder that holds it";
+    }
+    if (!HasDecoder(module, path)) {
+        return "the decoder library " + decoder + " cannot be used: it is damaged, or not one for this module";
     }
     return "the decoder cannot load it (" + ResultText(result) +
            "): the clip is damaged or cut short, or the decoder library does not fit";
@@ -57,9 +94,10 @@ std::string WhyNotOpened(HRESULT result) {
 
 Clip::Clip(const Module& module, const std::string& path) : path_(path) {
     const WString wide = platform::Wide(path);
+    RefuseDevice(path);
     if (FAILED(module.FileClass().CheckFile(wide.c_str()))) throw Failure(WhyNoClip(path));
     const HRESULT result = module.FileClass().CreateNamed(file_.Out(), 0, 0, wide.c_str(), kOpenAtOnce);
-    if (FAILED(result) || !file_) throw Failure(WhyNotOpened(result));
+    if (FAILED(result) || !file_) throw Failure(WhyNotOpened(module, wide, result));
 }
 
 Clip Clip::Duplicate() const {
@@ -112,16 +150,6 @@ std::optional<int64_t> Clip::Timecode(uint32_t key) {
     std::array<WCHAR, 32> text{};
     if (meta->GetValue(key, text.data(), static_cast<int32_t>(text.size())) != S_OK) return std::nullopt;
     return ReadNumber<int64_t>(platform::Utf8(WStringView(text.data())));
-}
-
-std::string TimecodeText(int64_t time, double rate) {
-    const int64_t seconds = time / kSecond;
-    const double part = static_cast<double>(time % kSecond) / static_cast<double>(kSecond);
-    const auto frame = static_cast<long long>(std::llround(part * std::max(rate, 0.0)));
-    char text[64];
-    std::snprintf(text, sizeof text, "%02lld:%02lld:%02lld:%02lld", static_cast<long long>(seconds / 3600),
-                  static_cast<long long>(seconds / 60 % 60), static_cast<long long>(seconds % 60), frame);
-    return text;
 }
 
 }  // namespace clipfio::host

@@ -42,7 +42,4 @@ class Clip {
     platform::ComPtr<IKtFileIOMediaProperties> properties_;
 };
 
-// "hh:mm:ss:ff" of a time, at a whole number of frames a second that is the rate rounded.
-[[nodiscard]] std::string TimecodeText(int64_t time, double rate);
-
 }  // namespace clipfio::host

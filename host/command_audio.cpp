@@ -22,6 +22,9 @@ struct Options {
 
 int Run(Context& context, const Options& options) {
     const uint64_t first = options.from.empty() ? 0 : ParsePosition(options.from, "--from");
+    const std::string output =
+        options.output.empty() ? Utf8FromPath(PathFromUtf8(options.clip).stem()) + ".wav" : options.output;
+    CheckOutput(output, options.clip);
     const InterruptScope interrupts;
     Clip clip = OpenClip(context, options.clip);
     const SoundFormat format = DescribeSound(clip);
@@ -29,12 +32,10 @@ int Run(Context& context, const Options& options) {
     const uint64_t count = options.count.empty() ? left : ParsePosition(options.count, "--count");
     if (first > format.samples || count > left) {
         throw Failure("the clip has " + std::to_string(format.samples) + " samples; from " + std::to_string(first) +
-                      " on there are not " + std::to_string(count));
+                      " on there are " + std::to_string(left));
     }
-    const std::string output =
-        options.output.empty() ? Utf8FromPath(PathFromUtf8(options.clip).stem()) + ".wav" : options.output;
 
-    WavWriter writer(output, format.rate, format.channels, format.channel_mask);
+    WavWriter writer(output, {format.rate, format.channels, format.channel_mask}, count);
     {
         Progress progress("audio", count);
         ReadSound(clip, format, first, count, [&](std::span<const float> samples) {

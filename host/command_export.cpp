@@ -98,7 +98,10 @@ int Run(Context& context, const Options& options) {
     const InterruptScope interrupts;
     std::vector<Clip> clips;
     clips.push_back(OpenClip(context, options.clip));
-    const Range range = ParseFrameRange(options.range.from, options.range.to, clips[0].FrameCount());
+    const Range range = ParseFrameRange(options.range.from, options.range.to, clips[0]);
+    for (uint64_t number = range.first; number <= range.last; ++number) {
+        CheckOutput(FrameFile(options.folder, number), options.clip);
+    }
     MakeFolder(options.folder);
     const uint64_t jobs = std::min<uint64_t>(options.jobs, range.Count());
     while (clips.size() < jobs) clips.push_back(clips[0].Duplicate());

@@ -29,20 +29,23 @@ std::string LowerExtension(const std::string& path) {
     return extension;
 }
 
-std::string DefaultOutput(const Options& options) {
-    return Utf8FromPath(PathFromUtf8(options.clip).stem()) + "-" + options.number +
+std::string DefaultOutput(const Options& options, uint64_t number) {
+    return Utf8FromPath(PathFromUtf8(options.clip).stem()) + "-" + std::to_string(number) +
            (options.frame.bits == 128 ? ".pfm" : ".png");
 }
 
 int Run(Context& context, const Options& options) {
-    const uint64_t number = ParsePosition(options.number, "N");
-    const std::string output = options.output.empty() ? DefaultOutput(options) : options.output;
-    const bool is_float_file = LowerExtension(output) == ".pfm";
+    const FramePosition position = ParseFrame(options.number, "N");
+    const bool is_float_file =
+        options.output.empty() ? options.frame.bits == 128 : LowerExtension(options.output) == ".pfm";
     if (is_float_file && options.frame.bits == 32) throw UsageError("a PFM file takes the floats of --bits 128");
+    if (options.frame.gamma != 0 && options.frame.bits == 32) throw UsageError("--gamma goes with --bits 128");
 
     const InterruptScope interrupts;
     Clip clip = OpenClip(context, options.clip);
-    CheckFrame(number, clip.FrameCount());
+    const uint64_t number = FindFrame(position, clip);
+    const std::string output = options.output.empty() ? DefaultOutput(options, number) : options.output;
+    CheckOutput(output, options.clip);
     Frame frame;
     ReadFrame(clip.Video(), number, options.frame, frame);
     InterruptScope::Check();
@@ -53,8 +56,8 @@ int Run(Context& context, const Options& options) {
     } else {
         WritePng(output, ToRgb8(frame));
     }
-    Say("frame " + options.number + ", " + std::to_string(frame.width) + "x" + std::to_string(frame.height) + ", in " +
-        output);
+    Say("frame " + std::to_string(number) + ", " + std::to_string(frame.width) + "x" + std::to_string(frame.height) +
+        ", in " + output);
     return kExitDone;
 }
 
@@ -66,7 +69,8 @@ void AddFrame(CommandLine& line, Context& context) {
                                    [options, &context] { return Run(context, *options); });
 
     AddClip(arguments, options->clip);
-    arguments.Text("number", options->number, "The frame, from 0", "N", Arguments::kRequired);
+    arguments.Text("number", options->number, "The frame, from 0, or its timecode hh:mm:ss:ff", "N",
+                   Arguments::kRequired);
     arguments.Text("-o,--output", options->output, "The file; .pfm holds floats, everything else is PNG", "FILE");
     AddFrameOptions(arguments, options->frame);
     arguments.Choice("--bits", options->frame.bits, {32, 128},

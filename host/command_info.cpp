@@ -11,6 +11,7 @@
 #include "host/memory_stream.h"
 #include "host/numbers.h"
 #include "host/result_text.h"
+#include "host/timecode.h"
 #include "platform/text.h"
 
 namespace clipfio::host {
@@ -58,20 +59,18 @@ _ktstreaminfo StreamInfo(Clip& clip, int32_t stream) {
 }
 
 Json VideoEntry(Clip& clip) {
-    const _ktstreaminfo info = StreamInfo(clip, 0);
-    BITMAPINFOHEADER bitmap;
-    std::memcpy(&bitmap, info.format, sizeof bitmap);
+    // Of the stream itself: what the file says of it may be left out where the sound is out of order.
     _ktstreaminfo native{};
     Require(clip.Video().GetNativeFormat(&native), "the clip does not tell its picture format");
-    BITMAPINFOHEADER native_bitmap;
-    std::memcpy(&native_bitmap, native.format, sizeof native_bitmap);
+    BITMAPINFOHEADER bitmap;
+    std::memcpy(&bitmap, native.format, sizeof bitmap);
     return {{"code", StreamCode(clip, 0)},
             {"type", StreamText(clip, 0, kKtStreamTextType)},
             {"format", StreamText(clip, 0, kKtStreamTextFormat)},
             {"width", bitmap.biWidth},
             {"height", bitmap.biHeight},
-            {"bits_per_pixel", native_bitmap.biBitCount},
-            {"frames", info.length},
+            {"bits_per_pixel", bitmap.biBitCount},
+            {"frames", clip.FrameCount()},
             {"frame_rate", clip.FrameRate()},
             {"data_rate", StreamRate(clip, 0)}};
 }
@@ -91,12 +90,13 @@ Json AudioEntry(Clip& clip) {
 }
 
 Json TimecodeEntry(Clip& clip) {
+    if (clip.FrameCount() == 0) return nullptr;
     const auto first = clip.Timecode(kKtMetaFirstTimecode);
     const auto last = clip.Timecode(kKtMetaLastTimecode);
     if (!first || !last) return nullptr;
     const double rate = clip.FrameRate();
-    return {{"first", TimecodeText(*first, rate)},
-            {"last", TimecodeText(*last, rate)},
+    return {{"first", TimecodeText(TimecodeOfTime(*first, rate))},
+            {"last", TimecodeText(TimecodeOfTime(*last, rate))},
             {"first_ticks", *first},
             {"last_ticks", *last}};
 }

@@ -8,6 +8,7 @@
 #include "host/console.h"
 #include "host/failure.h"
 #include "host/frame_options.h"
+#include "host/output_file.h"
 #include "platform/program.h"
 #include "platform/text.h"
 #include "substitutes/decoder/wav_input.h"
@@ -31,6 +32,7 @@ void OpenSound(decoder::WavInput& sound, const std::string& path, decoder::ClipD
     if (sound.Channels() > kMostChannels) {
         throw Failure(path + ": it has " + std::to_string(sound.Channels()) + " channels, and a clip holds 4 at most");
     }
+    if (sound.SampleCount() == 0) Say(path + ": it holds no sound");
     description.sample_rate = sound.SampleRate();
     description.sample_size = sound.SampleSize();
     description.channel_mask = (1u << sound.Channels()) - 1;
@@ -39,9 +41,8 @@ void OpenSound(decoder::WavInput& sound, const std::string& path, decoder::ClipD
 void TakeFrames(ClipMaker& maker, PictureSize size) {
     std::vector<uint16_t> frame(std::size_t{size.width} * size.height * 3);
     for (;;) {
-        InterruptScope::Check();
-        const std::size_t bytes = std::fread(frame.data(), 1, frame.size() * sizeof frame[0], stdin);
-        if (bytes == 0 && std::ferror(stdin) == 0) break;
+        const std::size_t bytes = ReadStandardInput(frame.data(), frame.size() * sizeof frame[0]);
+        if (bytes == 0) break;
         if (bytes < frame.size() * sizeof frame[0]) {
             throw Failure("standard input ends within frame " + std::to_string(maker.FrameCount()) + ": a frame of " +
                           std::to_string(size.width) + "x" + std::to_string(size.height) + " takes " +
@@ -68,6 +69,7 @@ int Run(const Options& options) {
     const PictureSize size = ParseSize(options.size);
     decoder::ClipDescription description = DescribeClip(size, ParseRate(options.rate));
     if (!options.timecode.empty()) ParseStartTimecode(options.timecode, description);
+    if (!options.audio.empty()) CheckOutput(options.output, options.audio);
     if (platform::IsTerminal(stdin)) throw Failure("standard input is a terminal: pipe frames of rgb48le into it");
     decoder::WavInput sound;
     if (!options.audio.empty()) OpenSound(sound, options.audio, description);

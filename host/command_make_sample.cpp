@@ -1,4 +1,5 @@
 // clipfio make-sample: a clip with a moving test picture and a test sound.
+#include <algorithm>
 #include <cmath>
 #include <vector>
 
@@ -18,6 +19,7 @@ constexpr uint32_t kDefaultFrames = 48;
 constexpr uint32_t kMostFrames = 10'000'000;
 constexpr double kMostSeconds = 10'000'000;
 constexpr uint32_t kMostChannels = 4;
+constexpr uint64_t kSamplesPerPortion = 65536;
 
 struct Options {
     std::string output;
@@ -34,7 +36,35 @@ uint64_t FrameCount(const Options& options, double rate) {
     if (options.seconds <= 0) return kDefaultFrames;
     const double frames = std::ceil(options.seconds * rate - 1e-9);
     if (frames > static_cast<double>(kMostFrames)) throw UsageError("--seconds: that is more than ten million frames");
-    return static_cast<uint64_t>(frames);
+    return std::max(uint64_t{1}, static_cast<uint64_t>(frames));
+}
+
+// In portions, for a frame may last hours.
+void AddTone(ClipMaker& maker, const decoder::TestSound& tone, uint32_t channels, uint64_t first, uint64_t end) {
+    std::vector<int32_t> sound;
+    while (first < end) {
+        InterruptScope::Check();
+        const auto count = static_cast<std::size_t>(std::min(end - first, kSamplesPerPortion));
+        sound.resize(count * channels);
+        tone.Fill(first, count, sound.data());
+        maker.AddAudio(sound, count);
+        first += count;
+    }
+}
+
+void MakeSample(ClipMaker& maker, PictureSize size, uint64_t frames, double frames_per_second, uint32_t channels) {
+    decoder::TestPattern pattern(size.width, size.height);
+    const decoder::TestSound tone(kSampleRate, channels);
+    const auto sample_at = [&](uint64_t frame) {
+        return static_cast<uint64_t>(std::llround(static_cast<double>(frame) / frames_per_second * kSampleRate));
+    };
+    Progress progress("make-sample", frames);
+    for (uint64_t frame = 0; frame < frames; ++frame) {
+        InterruptScope::Check();
+        maker.AddFrame(pattern.Frame(frame));
+        if (channels > 0) AddTone(maker, tone, channels, sample_at(frame), sample_at(frame + 1));
+        progress.Step();
+    }
 }
 
 int Run(const Options& options) {
@@ -51,25 +81,7 @@ int Run(const Options& options) {
 
     const InterruptScope interrupts;
     ClipMaker maker(options.output, description);
-    decoder::TestPattern pattern(size.width, size.height);
-    const decoder::TestSound tone(kSampleRate, options.channels);
-    Progress progress("make-sample", frames);
-    std::vector<int32_t> sound;
-    const auto sample_at = [&](uint64_t frame) {
-        return static_cast<uint64_t>(std::llround(static_cast<double>(frame) / frames_per_second * kSampleRate));
-    };
-    for (uint64_t frame = 0; frame < frames; ++frame) {
-        InterruptScope::Check();
-        maker.AddFrame(pattern.Frame(frame));
-        const uint64_t first = sample_at(frame);
-        const auto count = static_cast<std::size_t>(sample_at(frame + 1) - first);
-        if (options.channels > 0 && count > 0) {
-            sound.resize(count * options.channels);
-            tone.Fill(first, count, sound.data());
-            maker.AddAudio(sound, count);
-        }
-        progress.Step();
-    }
+    MakeSample(maker, size, frames, frames_per_second, options.channels);
     maker.Finish();
     Say(std::to_string(frames) + " frames in " + options.output);
     return kExitDone;

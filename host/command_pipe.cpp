@@ -28,7 +28,7 @@ struct Options {
 
 int Run(Context& context, const Options& options) {
     Clip clip = OpenClip(context, options.clip);
-    const Range range = ParseFrameRange(options.range.from, options.range.to, clip.FrameCount());
+    const Range range = ParseFrameRange(options.range.from, options.range.to, clip);
     const FrameSize size = MeasureFrame(clip.Video(), options.frame);
     Say("pipe this into: ffmpeg -f rawvideo -pix_fmt bgra -s " + std::to_string(size.width) + "x" +
         std::to_string(size.height) + " -r " + RateText(clip.FrameRate()) + " -i - out.mov");

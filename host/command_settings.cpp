@@ -24,6 +24,11 @@ struct Options {
     bool json = false;
     bool dry_run = false;
     bool keys = false;
+
+    [[nodiscard]] bool AsksForMore() const {
+        const bool names = !clips.empty() || !set.empty() || !unset.empty() || !copy_from.empty();
+        return names || reset || print || json || dry_run;
+    }
 };
 
 std::string DescribeChanges(const std::string& path, const PassResult& pass) {
@@ -57,11 +62,8 @@ class SettingsRun {
         : context_(context), options_(options), edits_(ParseEdits(options.reset, options.unset, options.set)) {}
 
     int Run() {
-        // Before the first clip is written: with no source there is nothing to do for any of them.
-        if (!options_.copy_from.empty()) {
-            Clip source = OpenClip(context_, options_.copy_from);
-            snapshot_ = GatherSnapshot(source);
-        }
+        const InterruptScope interrupts;
+        if (!options_.copy_from.empty()) ReadSource();
         FileResults results(options_.json);
         for (const std::string& path : options_.clips) {
             results.Add(path, [&](Json& entry) { return Work(path, entry); });
@@ -70,7 +72,19 @@ class SettingsRun {
     }
 
   private:
+    // Before the first clip is written. With no source there is nothing to do for any of them, and each says so.
+    void ReadSource() {
+        try {
+            Clip source = OpenClip(context_, options_.copy_from);
+            snapshot_ = GatherSnapshot(source);
+        } catch (const Failure& failure) {
+            source_error_ = failure.what();
+        }
+    }
+
     std::string Work(const std::string& path, Json& entry) {
+        InterruptScope::Check();
+        if (!source_error_.empty()) throw Failure(source_error_);
         Clip clip(context_.GetModule(), path);
         const PassResult pass = Pass(clip);
         entry["decoder"] = pass.after.decoder.empty() ? Json(nullptr) : Json(pass.after.decoder);
@@ -94,10 +108,12 @@ class SettingsRun {
     const Options& options_;
     const SettingEdits edits_;
     std::string snapshot_;
+    std::string source_error_;
 };
 
 int Run(Context& context, const Options& options) {
     if (options.keys) {
+        if (options.AsksForMore()) throw UsageError("--keys goes alone");
         const std::string text = DescribeKeys();
         static_cast<void>(WriteStandardOutput(text.data(), text.size()));
         return kExitDone;

@@ -8,6 +8,7 @@
 #include "host/console.h"
 #include "host/failure.h"
 #include "host/frame_options.h"
+#include "host/output_file.h"
 #include "host/progress.h"
 #include "host/sound.h"
 
@@ -22,6 +23,8 @@ constexpr Colour kClipped{230, 80, 60};
 constexpr uint32_t kDefaultWidth = 1200;
 constexpr uint32_t kDefaultLane = 160;
 constexpr uint32_t kLargestSide = 16384;
+// What a sound of 16 bits reaches at the most: limited sound lies there, whatever its number of bits.
+constexpr float kFullScale = 32767.0f / 32768.0f;
 
 struct Options {
     std::string clip;
@@ -74,7 +77,7 @@ void DrawLane(RgbImage8& image, int64_t top, int64_t height, std::span<const Col
         const auto bar = [&](double low, double high, Colour colour) {
             FillBox(image, static_cast<int64_t>(x), y_of(high), 1, y_of(low) - y_of(high) + 1, colour);
         };
-        const bool clipped = column.high > 1.0f || column.low < -1.0f;
+        const bool clipped = column.high >= kFullScale || column.low <= -kFullScale;
         bar(column.low, column.high, clipped ? kClipped : kPeak);
         const double rms = std::sqrt(column.squares / static_cast<double>(column.count));
         bar(std::max<double>(-rms, column.low), std::min<double>(rms, column.high), kMean);
@@ -84,6 +87,7 @@ void DrawLane(RgbImage8& image, int64_t top, int64_t height, std::span<const Col
 int Run(Context& context, const Options& options) {
     const PictureSize given = options.size.empty() ? PictureSize{} : ParseSize(options.size);
     if (given.width > kLargestSide || given.height > kLargestSide) throw UsageError("--size: at most 16384x16384");
+    CheckOutput(options.output, options.clip);
     const InterruptScope interrupts;
     Clip clip = OpenClip(context, options.clip);
     const SoundFormat format = DescribeSound(clip);

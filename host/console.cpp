@@ -2,23 +2,17 @@
 
 #include <atomic>
 #include <cerrno>
-#include <csignal>
 #include <cstdio>
 #include <cstring>
 #include <string>
 
 #include "host/failure.h"
+#include "platform/program.h"
 
 namespace clipfio::host {
 namespace {
 
 std::atomic<bool> g_stop{false};
-static_assert(std::atomic<bool>::is_always_lock_free, "set from a signal handler");
-
-void OnInterrupt(int signal) {
-    g_stop = true;
-    std::signal(signal, SIG_DFL);
-}
 
 // A reader that closed its end: EPIPE, or EINVAL where the runtime reports it so.
 [[nodiscard]] bool Outcome(bool good) {
@@ -39,18 +33,27 @@ bool FlushStandardOutput() {
     return Outcome(std::fflush(stdout) == 0);
 }
 
+std::size_t ReadStandardInput(void* data, std::size_t bytes) {
+    auto* to = static_cast<char*>(data);
+    std::size_t done = 0;
+    while (done < bytes) {
+        const std::ptrdiff_t got = platform::ReadInput(to + done, bytes - done, g_stop);
+        InterruptScope::Check();
+        if (got < 0) throw Failure(std::string("cannot read standard input: ") + std::strerror(errno));
+        if (got == 0) break;
+        done += static_cast<std::size_t>(got);
+    }
+    return done;
+}
+
 InterruptScope::InterruptScope() {
     g_stop = false;
-    std::signal(SIGINT, OnInterrupt);
-    std::signal(SIGTERM, OnInterrupt);
+    platform::TakeStopRequests(&g_stop);
 }
 
-InterruptScope::~InterruptScope() {
-    std::signal(SIGINT, SIG_DFL);
-    std::signal(SIGTERM, SIG_DFL);
-}
+InterruptScope::~InterruptScope() { platform::TakeStopRequests(nullptr); }
 
-bool InterruptScope::Requested() { return g_stop; }
+bool InterruptScope::Requested() noexcept { return g_stop; }
 
 void InterruptScope::Check() {
     if (g_stop) throw Failure("stopped");

@@ -45,8 +45,8 @@ void AddFrameOptions(Arguments& arguments, FrameOptions& options) {
 }
 
 void AddFrameRange(Arguments& arguments, RangeText& range) {
-    arguments.Text("--from", range.from, "First frame, from 0 (else the clip's first)", "A");
-    arguments.Text("--to", range.to, "Last frame, itself included (else the clip's last)", "B");
+    arguments.Text("--from", range.from, "First frame, from 0, or its timecode (else the clip's first)", "A");
+    arguments.Text("--to", range.to, "Last frame or its timecode, itself included (else the clip's last)", "B");
 }
 
 PictureSize ParseSize(const std::string& text) {
@@ -65,7 +65,7 @@ Rate ParseRate(const std::string& text) {
         const auto numerator = ReadNumber<uint32_t>(text.substr(0, slash));
         const auto denominator = ReadNumber<uint32_t>(text.substr(slash + 1));
         if (numerator && denominator && *numerator > 0 && *denominator > 0 && *numerator <= kMostRatePart &&
-            *denominator <= kMostRatePart) {
+            *denominator <= kMostRatePart && *numerator <= kMostFramesPerSecond * *denominator) {
             return {*numerator, *denominator};
         }
     } else if (const auto number = ReadNumber<double>(text)) {

@@ -12,11 +12,14 @@
 namespace clipfio::host {
 namespace {
 
+// There are no smaller pictures, and the module takes next to nothing for no wish at all.
+constexpr double kSmallestScale = 1.0 / 16;
+
 _ktframerequest MakeRequest(const FrameOptions& options) {
     _ktframerequest request{};
     request.bitsPerPixel = options.bits;
     request.quality = options.quality;
-    request.scale = options.scale;
+    request.scale = std::max(options.scale, kSmallestScale);
     request.gamma = options.gamma;
     return request;
 }

@@ -7,6 +7,8 @@
 #include "host/numbers.h"
 #include "host/output_file.h"
 #include "host/result_text.h"
+#include "platform/files.h"
+#include "platform/text.h"
 #include "settings/property_table.h"
 
 namespace clipfio::host {
@@ -45,6 +47,24 @@ std::string CurveLine(const Look& look, std::string_view name) {
     return line;
 }
 
+// The module's own reading of names, which knows one separator and takes no extension with a blank in it.
+std::size_t NameStart(const WString& path) {
+    const std::size_t separator = path.find_last_of(W(":\\"));
+    return separator == WString::npos ? 0 : separator + 1;
+}
+
+std::size_t ExtensionStart(const WString& path) {
+    static const WString kBlanks = platform::Wide(
+        " \t\n\v\f\r\u0085\u00A0\u1680\u2000\u2001\u2002\u2003\u2004\u2005\u2006\u2007\u2008\u2009"
+        "\u200A\u2028\u2029\u202F\u205F\u3000");
+    const std::size_t dot = path.rfind(W('.'));
+    const bool is_extension =
+        dot != WString::npos && dot >= NameStart(path) && path.find_first_of(kBlanks, dot) == WString::npos;
+    return is_extension ? dot : path.size();
+}
+
+WCHAR LowerAscii(WCHAR c) { return c >= W('A') && c <= W('Z') ? static_cast<WCHAR>(c - W('A') + W('a')) : c; }
+
 }  // namespace
 
 Look ParseLook(const std::string& snapshot) {
@@ -73,7 +93,11 @@ std::string GatherSnapshot(Clip& clip) {
 Look GatherLook(Clip& clip) { return ParseLook(GatherSnapshot(clip)); }
 
 std::string SettingsFileOf(const std::string& clip_path) {
-    return Utf8FromPath(PathFromUtf8(clip_path).replace_extension("KtDecProp"));
+    const WString path = platform::Wide(clip_path);
+    const std::size_t name = NameStart(path);
+    const WString file = path.substr(0, ExtensionStart(path)) + W(".KtDecProp");
+    const bool is_clip = file.size() == path.size() && std::ranges::equal(file, path, {}, LowerAscii, LowerAscii);
+    return name == path.size() || file.size() >= MAX_PATH || is_clip ? std::string() : platform::Utf8(file);
 }
 
 bool HasSettingsFile(const std::string& clip_path) {

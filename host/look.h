@@ -22,7 +22,7 @@ struct Look {
 [[nodiscard]] std::string GatherSnapshot(Clip& clip);
 [[nodiscard]] Look GatherLook(Clip& clip);
 
-// The decode-properties file of a clip, there or not.
+// The decode-properties file of a clip, there or not, as the module names it; empty where the module gives it none.
 [[nodiscard]] std::string SettingsFileOf(const std::string& clip_path);
 [[nodiscard]] bool HasSettingsFile(const std::string& clip_path);
 

@@ -67,9 +67,11 @@ std::string DecoderSearchText() {
            (named.empty() ? "R3DSDKPATH, which is not set" : "R3DSDKPATH, which is " + named);
 }
 
-bool IsDecoderFileThere() {
+std::string DecoderFile() {
+    if (IsFile(kDecoderFile)) return kDecoderFile;
     const std::string named = EnvironmentText(kDecoderVariable);
-    return IsFile(kDecoderFile) || (!named.empty() && IsFile(named + "/" + kDecoderFile));
+    const std::string file = named + "/" + kDecoderFile;
+    return !named.empty() && IsFile(file) ? file : std::string();
 }
 
 Module::Module(const std::string& path) : path_(FindModule(path)) {

@@ -18,7 +18,8 @@ void OfferDecoderBesideProgram();
 
 // Where the module looks for the decoder, for messages.
 [[nodiscard]] std::string DecoderSearchText();
-[[nodiscard]] bool IsDecoderFileThere();
+// The file that it finds first; empty when there is none.
+[[nodiscard]] std::string DecoderFile();
 
 // Stays loaded until the process ends, as the module demands.
 class Module {

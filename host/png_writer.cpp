@@ -92,10 +92,15 @@ Bytes FilterRows(const Header& header, const Bytes& samples) {
     return out;
 }
 
+// What the compressor takes, which counts bytes in an int: a filtered row has a byte more.
+bool FitsFile(std::uint64_t row_bytes, std::uint64_t height) { return height <= INT_MAX / 2 / (row_bytes + 1); }
+
 void WriteImage(const std::string& path, const Header& header, const Bytes& samples) {
     if (header.width == 0 || header.height == 0) throw Failure("cannot write " + path + ": the picture is empty");
+    if (!FitsFile(header.RowBytes(), header.height)) {
+        throw Failure("cannot write " + path + ": the picture is too large for a PNG");
+    }
     Bytes filtered = FilterRows(header, samples);
-    if (filtered.size() > INT_MAX / 2) throw Failure("cannot write " + path + ": the picture is too large for a PNG");
     int packed_bytes = 0;
     const std::unique_ptr<std::uint8_t, decltype(&std::free)> packed(
         stbi_zlib_compress(filtered.data(), static_cast<int>(filtered.size()), &packed_bytes, kSmallestEffort),
@@ -123,6 +128,8 @@ void WriteImage(const std::string& path, const Header& header, const Bytes& samp
 }
 
 }  // namespace
+
+bool FitsPng8(std::uint64_t width, std::uint64_t height) { return FitsFile(width * 3, height); }
 
 void WritePng(const std::string& path, const RgbImage8& image) {
     WriteImage(path, {image.width, image.height, 8, false}, image.samples);

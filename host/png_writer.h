@@ -22,6 +22,9 @@ struct RgbImage16 {
     bool linear = false;  // told to the reader of the file
 };
 
+// Whether a picture of 8 bits a sample can be written.
+[[nodiscard]] bool FitsPng8(std::uint64_t width, std::uint64_t height);
+
 // Throw Failure; nothing remains of a file that could not be written whole.
 void WritePng(const std::string& path, const RgbImage8& image);
 void WritePng(const std::string& path, const RgbImage16& image);

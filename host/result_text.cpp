@@ -3,8 +3,14 @@
 #include <cstdio>
 
 #include "host/failure.h"
+#include "platform/result_file.h"
 
 namespace clipfio::host {
+namespace {
+
+constexpr uint32_t kFromSystem = 0x80070000;  // with the system's own error number below
+
+}  // namespace
 
 std::string ResultText(HRESULT result) {
     struct Name {
@@ -23,6 +29,9 @@ std::string ResultText(HRESULT result) {
     std::snprintf(number, sizeof number, "0x%08X", static_cast<unsigned>(result));
     for (const Name& name : kNames) {
         if (name.result == result) return std::string(name.text) + " (" + number + ")";
+    }
+    if ((static_cast<uint32_t>(result) & 0xFFFF0000u) == kFromSystem) {
+        return std::string(platform::ErrorText(static_cast<uint32_t>(result) & 0xFFFFu)) + " (" + number + ")";
     }
     return number;
 }

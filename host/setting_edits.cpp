@@ -6,6 +6,7 @@
 
 #include "host/failure.h"
 #include "host/numbers.h"
+#include "settings/properties_panel.h"
 #include "settings/property_table.h"
 
 namespace clipfio::host {
@@ -26,6 +27,14 @@ const PropertyRow& RowOf(const std::string& key) {
     throw UsageError(message + " (clipfio settings --keys lists them all)");
 }
 
+// Of a choice.
+std::string DefaultText(const PropertyRow& row) { return std::to_string(FreshChoice(row)); }
+
+bool OffersDefault(const PropertyRow& row) {
+    return std::ranges::any_of(row.offered,
+                               [&](const OfferedValue& offered) { return offered.value == FreshChoice(row); });
+}
+
 std::string Limits(const PropertyRow& row) {
     if (row.kind == PropertyKind::Boolean) return "0 or 1 (off, on)";
     if (row.offered.count == 0) return NumberText(row.minimum) + " to " + NumberText(row.maximum);
@@ -35,14 +44,14 @@ std::string Limits(const PropertyRow& row) {
         text += (text.empty() ? "" : ", ") + number;
         if (offered.text != number) text += " (" + std::string(offered.text) + ")";
     }
-    return text;
+    return OffersDefault(row) ? text : text + ", " + DefaultText(row) + " (the default)";
 }
 
 std::optional<std::string> Accept(const PropertyRow& row, const std::string& text) {
     switch (row.kind) {
         case PropertyKind::Float:
         case PropertyKind::Coordinate: {
-            const auto number = ReadNumber<float>(text);
+            const auto number = ReadNumber<double>(text);  // the module takes it so
             if (!number || !(*number >= row.minimum && *number <= row.maximum)) return std::nullopt;
             return text;
         }
@@ -58,6 +67,7 @@ std::optional<std::string> Accept(const PropertyRow& row, const std::string& tex
         const std::string number = std::to_string(offered.value);
         if (text == number || SameIgnoringCase(text, offered.text)) return number;
     }
+    if (text == DefaultText(row)) return text;
     return std::nullopt;
 }
 

@@ -2,36 +2,23 @@
 
 #include <array>
 
+#include "host/answering_sink.h"
 #include "host/failure.h"
 #include "host/memory_stream.h"
+#include "host/older_settings.h"
 #include "host/result_text.h"
-#include "settings/properties_panel.h"
-#include "settings/properties_sink.h"
 #include "settings/property_table.h"
 
 namespace clipfio::host {
 namespace {
 
-// Answers the module's dialog with the edits, and reads back what all settings then are. Lives where it is declared.
-class EditingSink final : public IKtPropertiesSink, public IKtPropertiesAnswer {
+// Answers with the edits, and reads back what all settings then are.
+class EditingSink final : public AnsweringSink {
   public:
     explicit EditingSink(const SettingEdits& edits) : edits_(edits) {}
     [[nodiscard]] bool WasAsked() const { return asked_; }
     [[nodiscard]] const std::string& Error() const { return error_; }
     [[nodiscard]] const std::map<std::string, std::string>& Values() const { return values_; }
-
-    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID id, void** out) noexcept override {
-        if (out == nullptr) return E_POINTER;
-        *out = nullptr;
-        if (id == IID_IUnknown || id == IID_IKtPropertiesSink) *out = static_cast<IKtPropertiesSink*>(this);
-        if (id == IID_IKtPropertiesAnswer) *out = static_cast<IKtPropertiesAnswer*>(this);
-        if (*out == nullptr) return E_NOINTERFACE;
-        AddRef();
-        return S_OK;
-    }
-    ULONG STDMETHODCALLTYPE AddRef() noexcept override { return ++count_; }
-    ULONG STDMETHODCALLTYPE Release() noexcept override { return --count_; }
-    HRESULT STDMETHODCALLTYPE OnPropertiesChanged(IKtReadVideoStream*, uint32_t) noexcept override { return S_OK; }
 
     HRESULT STDMETHODCALLTYPE Answer(IKtPropertiesPanel* panel) noexcept override {
         asked_ = true;
@@ -65,7 +52,6 @@ class EditingSink final : public IKtPropertiesSink, public IKtPropertiesAnswer {
     std::map<std::string, std::string> values_;
     std::string error_;
     bool asked_ = false;
-    ULONG count_ = 1;
 };
 
 void RunDialog(Clip& clip, EditingSink& sink) {
@@ -77,14 +63,23 @@ void RunDialog(Clip& clip, EditingSink& sink) {
     }
 }
 
-// The module does not tell of every failure to write, so what is in force now is compared with what was wanted.
+// A file that was cut short may still mean the same look: a whole one is, byte for byte, what the module tells of it.
+bool IsWritten(Clip& clip, const Look& wanted) {
+    const std::string snapshot = GatherSnapshot(clip);
+    if (ParseLook(snapshot).values != wanted.values) return false;
+    return !HasSettingsFile(clip.Path()) || FileBytes(SettingsFileOf(clip.Path())) == snapshot;
+}
+
 void Apply(Clip& clip, IStream* snapshot, PassResult& pass) {
     const std::string file = SettingsFileOf(clip.Path());
+    if (file.empty()) throw Failure("a clip of this name can have no settings file");
+    OlderSettings older(file);
     const HRESULT result = clip.Properties().ApplyProperties(snapshot);
     if (FAILED(result)) throw Failure("cannot write " + file + ": " + ResultText(result));
-    const Look now = GatherLook(clip);
-    if (now.values != pass.after.values)
-        throw Failure(file + " was not written as it should be: is there room for it?");
+    if (!IsWritten(clip, pass.after)) {
+        throw Failure("cannot write all of " + file + ": is there room for it? The settings stay as they were");
+    }
+    older.Forget();
     pass.written = true;
 }
 

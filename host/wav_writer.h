@@ -9,20 +9,25 @@
 
 namespace clipfio::host {
 
-// Nothing remains of a file that was not finished. All operations throw Failure.
+struct WavFormat {
+    std::uint32_t rate = 0;
+    std::uint16_t channels = 0;
+    std::uint32_t channel_mask = 0;  // which speaker each channel feeds
+};
+
+// The header is written first and stands, so that a pipe will do. Nothing remains of a file that was not finished. All
+// operations throw Failure.
 class WavWriter {
   public:
-    // The mask says which speaker each channel feeds.
-    WavWriter(const std::string& path, std::uint32_t rate, std::uint16_t channels, std::uint32_t channel_mask);
+    // `samples` per channel will be written. Throws when they would outgrow the 4 GiB of the form.
+    WavWriter(const std::string& path, const WavFormat& format, std::uint64_t samples);
 
-    // Interleaved samples. Throws once the file would outgrow the 4 GiB of its form.
+    // Interleaved samples.
     void Write(std::span<const float> samples);
     void Finish();
 
   private:
     OutputFile file_;
-    std::uint16_t channels_;
-    std::uint64_t data_bytes_ = 0;
 };
 
 }  // namespace clipfio::host

@@ -41,15 +41,4 @@ HRESULT HandOut(Interface* object, void** out) noexcept {
     return S_OK;
 }
 
-// The answer of both streams: the object with a reference, S_OK for a known id and a null out, null and
-// E_NOINTERFACE for others.
-template <class Interface>
-HRESULT HandOutStream(Interface* object, bool known, void** out) noexcept {
-    if (!known) {
-        if (out) *out = nullptr;
-        return E_NOINTERFACE;
-    }
-    return out ? HandOut(object, out) : S_OK;
-}
-
 }  // namespace clipfio

@@ -7,8 +7,8 @@
 #include <new>
 
 #include "audio/wave_format.h"
+#include "kernel/time_units.h"
 #include "reader/read_file.h"
-#include "reader/time_units.h"
 
 namespace clipfio {
 namespace {
@@ -34,56 +34,24 @@ void FillInfo(_ktstreaminfo* info, uint64_t length, const WAVEFORMATEX& wfx) noe
 
 uint32_t ChannelsOfMask(uint32_t mask) noexcept { return static_cast<uint32_t>(std::popcount(mask & kChannelBits)); }
 
-CReadAudioStream::CReadAudioStream(CReadFile* file, const ClipField* clip) noexcept : file_(file), clip_(clip) {
+CReadAudioStream::CReadAudioStream(CReadFile* file, const ClipField* clip) noexcept : StreamBase(file, clip) {
     format_.wFormatTag = kFloatTag;
     format_.wBitsPerSample = kFloatBits;
 }
 
-CReadAudioStream* CReadAudioStream::Make(CReadFile* file, const ClipField* clip) noexcept {
-    auto* stream = new (std::nothrow) CReadAudioStream(file, clip);
-    if (stream && !stream->lock_.IsGood()) stream->Destroy(1), stream = nullptr;
-    return stream;
-}
-
-HRESULT CReadAudioStream::QueryInterface(REFIID id, void** out) {
-    const bool known = id == IID_IKtReadAudioStream || id == IID_IKtReadStream || id == IID_IUnknown;
-    return HandOutStream(static_cast<IKtReadAudioStream*>(this), known, out);
-}
-
-ULONG CReadAudioStream::AddRef() { return references_.Increment(); }
-
-ULONG CReadAudioStream::Release() {
-    const uint32_t left = references_.Decrement();
-    if (left == 0) Destroy(1);
-    return left;
-}
-
-void* CReadAudioStream::Destroy(uint32_t flags) {
-    if (flags & 1) {
-        delete this;
-        return nullptr;
-    }
-    this->~CReadAudioStream();
-    return this;
-}
-
-HRESULT CReadAudioStream::GetFileClass(IKtReadFileClass** out) {
-    return file_ ? file_->GetFileClass(out) : E_UNEXPECTED;
+CReadAudioStream::~CReadAudioStream() {
+    const auto hold = lock_.Hold();
+    sample_buffer_.reset();
 }
 
 HRESULT CReadAudioStream::GetFile(IKtReadFile** out) {
     const auto hold = lock_.Hold();
-    if (!out) return E_INVALIDARG;
-    if (!file_) return E_FAIL;
-    return file_->QueryInterface(IID_IKtReadFile, reinterpret_cast<void**>(out));
+    return StreamBase::GetFile(out);
 }
 
 HRESULT CReadAudioStream::GetKind(uint32_t* kind, uint32_t* second, uint32_t* third) {
     const auto hold = lock_.Hold();
-    if (kind) *kind = kKtStreamAudio;
-    if (second) *second = 0;
-    if (third) *third = 0;
-    return S_OK;
+    return StreamBase::GetKind(kind, second, third);
 }
 
 HRESULT CReadAudioStream::GetDuration(int64_t* out) {
@@ -95,14 +63,7 @@ HRESULT CReadAudioStream::GetDuration(int64_t* out) {
 
 HRESULT CReadAudioStream::GetStartTime(int64_t* out) {
     const auto hold = lock_.Hold();
-    if (!out) return E_INVALIDARG;
-    *out = 0;
-    return S_OK;
-}
-
-HRESULT CReadAudioStream::SetUserValue(uint32_t value) {
-    user_value_ = value;
-    return S_OK;
+    return StreamBase::GetStartTime(out);
 }
 
 HRESULT CReadAudioStream::Close() {

@@ -11,13 +11,13 @@
 #include "audio/wfx_copy.h"
 #include "kernel/guard.h"
 #include "kernel/text_copy.h"
+#include "kernel/time_units.h"
 #include "platform/files.h"
 #include "platform/text.h"
 #include "reader/read_audio_stream.h"
 #include "reader/read_file_class.h"
 #include "reader/read_meta.h"
 #include "reader/read_video_stream.h"
-#include "reader/time_units.h"
 
 namespace clipfio {
 namespace {

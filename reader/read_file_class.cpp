@@ -6,6 +6,7 @@
 
 #include "kernel/files.h"
 #include "kernel/lang.h"
+#include "kernel/lang_resources.h"
 #include "kernel/runtime/about_box.h"
 #include "kernel/text_copy.h"
 #include "platform/endian.h"

@@ -5,12 +5,12 @@
 #include "kernel/lang.h"
 #include "kernel/print.h"
 #include "kernel/text_copy.h"
+#include "kernel/time_units.h"
 #include "platform/files.h"
 #include "reader/plugin_module.h"
 #include "reader/read_audio_stream.h"
 #include "reader/read_file.h"
 #include "reader/read_video_stream.h"
-#include "reader/time_units.h"
 
 namespace clipfio {
 namespace {

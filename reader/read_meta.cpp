@@ -6,19 +6,20 @@
 
 #include "kernel/print.h"
 #include "kernel/text_copy.h"
+#include "kernel/time_units.h"
 #include "r3dsdk/clip_operations.h"
-#include "reader/time_units.h"
 
 namespace clipfio {
 namespace {
 
-// Up to four numbers with one character between each two; those behind the first that cannot be read are 0.
+// Up to four numbers with one character between each two. The first that cannot be read or does not fit is 0, as are
+// those behind it.
 std::array<uint32_t, 4> TakeNumbers(const char* text) noexcept {
     std::array<uint32_t, 4> numbers = {};
     for (uint32_t& number : numbers) {
         char* end = nullptr;
         const unsigned long long value = std::strtoull(text, &end, 10);
-        if (end == text) break;
+        if (end == text || value > std::numeric_limits<uint32_t>::max()) break;
         number = static_cast<uint32_t>(value);
         if (!*end) break;
         text = end + 1;
@@ -32,11 +33,8 @@ HRESULT ParseTimecode(const char* text, double rate, int64_t* time) noexcept {
     *time = 0;
     if (!text) return E_INVALIDARG;
     const auto [hours, minutes, seconds, frames] = TakeNumbers(text);
-    const int64_t whole = static_cast<int64_t>(hours) * 3600 + static_cast<int64_t>(minutes) * 60 + seconds;
-    if (__builtin_mul_overflow(whole, kUnitsPerSecond, time) ||
-        __builtin_add_overflow(*time, UnitsOf(static_cast<double>(frames), rate), time)) {
-        *time = std::numeric_limits<int64_t>::max();
-    }
+    const int64_t whole = int64_t{hours} * 3600 + int64_t{minutes} * 60 + seconds;
+    *time = HeldSum(HeldProduct(whole, kUnitsPerSecond), UnitsOf(frames, rate));
     return S_OK;
 }
 

@@ -9,8 +9,8 @@
 namespace clipfio {
 
 // A time of hours, minutes, seconds and frames at `rate` frames per second, in units of 100 nanoseconds. Separators are
-// not looked at; what cannot be read, and all behind it, stays 0; a rate that is not above 0 counts no frames; the
-// result is held within its type. E_INVALIDARG and 0 for null.
+// not looked at; what cannot be read or passes 32 bits, and all behind it, stays 0; a rate that is not above 0 counts
+// no frames; the result is held within its type. E_INVALIDARG and 0 for null.
 HRESULT ParseTimecode(const char* text, double rate, int64_t* time) noexcept;
 
 // No lock of its own. IKtReadGenericMeta is implemented and not answered to.

@@ -7,10 +7,10 @@
 #include <new>
 
 #include "kernel/text_copy.h"
+#include "kernel/time_units.h"
 #include "reader/frame_delivery.h"
 #include "reader/plugin_module.h"
 #include "reader/read_file.h"
-#include "reader/time_units.h"
 #include "settings/decode_properties_file.h"
 #include "settings/media_property_editor.h"
 
@@ -103,62 +103,10 @@ struct CReadVideoStream::Picture {
 };
 
 CReadVideoStream::CReadVideoStream(CReadFile* file, const ClipField* clip) noexcept
-    : file_(file), clip_(clip), editor_(&ProcessEditor()) {}
-
-CReadVideoStream* CReadVideoStream::Make(CReadFile* file, const ClipField* clip) noexcept {
-    auto* stream = new (std::nothrow) CReadVideoStream(file, clip);
-    if (stream && !stream->lock_.IsGood()) stream->Destroy(1), stream = nullptr;
-    return stream;
-}
-
-HRESULT CReadVideoStream::QueryInterface(REFIID id, void** out) {
-    const bool known = id == IID_IKtReadVideoStream || id == IID_IKtReadStream || id == IID_IUnknown;
-    return HandOutStream(static_cast<IKtReadVideoStream*>(this), known, out);
-}
-
-ULONG CReadVideoStream::AddRef() { return references_.Increment(); }
-
-ULONG CReadVideoStream::Release() {
-    const uint32_t left = references_.Decrement();
-    if (left == 0) Destroy(1);
-    return left;
-}
-
-void* CReadVideoStream::Destroy(uint32_t flags) {
-    if (flags & 1) {
-        delete this;
-        return nullptr;
-    }
-    this->~CReadVideoStream();
-    return this;
-}
-
-HRESULT CReadVideoStream::GetFileClass(IKtReadFileClass** out) {
-    return file_ ? file_->GetFileClass(out) : E_UNEXPECTED;
-}
-
-HRESULT CReadVideoStream::GetFile(IKtReadFile** out) {
-    if (!out) return E_INVALIDARG;
-    if (!file_) return E_FAIL;
-    return file_->QueryInterface(IID_IKtReadFile, reinterpret_cast<void**>(out));
-}
-
-HRESULT CReadVideoStream::GetKind(uint32_t* kind, uint32_t* second, uint32_t* third) {
-    if (kind) *kind = kKtStreamVideo;
-    if (second) *second = 0;
-    if (third) *third = 0;
-    return S_OK;
-}
+    : StreamBase(file, clip), editor_(&ProcessEditor()) {}
 
 HRESULT CReadVideoStream::GetDuration(int64_t* out) {
     return Give(out, UnitsOf(static_cast<double>(frame_count_.load()), frame_rate_.load()));
-}
-
-HRESULT CReadVideoStream::GetStartTime(int64_t* out) { return Give(out, int64_t{0}); }
-
-HRESULT CReadVideoStream::SetUserValue(uint32_t value) {
-    user_value_ = value;
-    return S_OK;
 }
 
 HRESULT CReadVideoStream::Close() {

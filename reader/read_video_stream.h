@@ -6,15 +6,11 @@
 #include <cstdint>
 #include <memory>
 
-#include "kernel/heap_object.h"
 #include "reader/aligned_buffer.h"
-#include "reader/clip_field.h"
-#include "reader/com_base.h"
-#include "reader/host_interfaces.h"
+#include "reader/stream_base.h"
 
 namespace clipfio {
 
-class CReadFile;
 class MediaPropertyEditor;
 
 // How much smaller than the clip a frame is decoded: 1, 2, 4, 8 or 16. The size rounds up to the next one available.
@@ -22,22 +18,11 @@ uint32_t ChooseDivisor(double scale) noexcept;
 // The decode mode for a divisor; full size premium when the quality allows none.
 DecodeMode ChooseDecodeMode(uint32_t divisor, uint32_t quality) noexcept;
 
-class CReadVideoStream final : public IKtReadVideoStream, public HeapObject {
+class CReadVideoStream final
+    : public StreamBase<CReadVideoStream, IKtReadVideoStream, IID_IKtReadVideoStream, kKtStreamVideo> {
   public:
-    // With one reference, the file object's; null when out of memory. Neither the file nor `clip`, the address of the
-    // file's clip, is counted: both outlive the stream.
-    static CReadVideoStream* Make(CReadFile* file, const ClipField* clip) noexcept;
-
-    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID id, void** out) override;
-    ULONG STDMETHODCALLTYPE AddRef() override;
-    ULONG STDMETHODCALLTYPE Release() override;
-    HRESULT STDMETHODCALLTYPE GetFileClass(IKtReadFileClass** out) override;
-    HRESULT STDMETHODCALLTYPE GetFile(IKtReadFile** out) override;
     HRESULT STDMETHODCALLTYPE Reserved5() override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE GetKind(uint32_t* kind, uint32_t* second, uint32_t* third) override;
     HRESULT STDMETHODCALLTYPE GetDuration(int64_t* out) override;
-    HRESULT STDMETHODCALLTYPE GetStartTime(int64_t* out) override;
-    HRESULT STDMETHODCALLTYPE SetUserValue(uint32_t value) override;
     HRESULT STDMETHODCALLTYPE Close() override;
     HRESULT STDMETHODCALLTYPE GetLength(uint64_t* out) override;
     HRESULT STDMETHODCALLTYPE GetFormat(_ktstreaminfo* info) override;
@@ -55,7 +40,6 @@ class CReadVideoStream final : public IKtReadVideoStream, public HeapObject {
     HRESULT STDMETHODCALLTYPE GetFrameRate(double* out) override;
 
     // The class's own slots, for the file object and the settings.
-    virtual void* Destroy(uint32_t flags);  // bit 0 frees the object as well
     // The record with which a frame is to be decoded: the clip's own settings, overlaid by the live dialog while it is
     // up, else by the clip's decode-properties file. `settings` comes with its default initialisation.
     virtual HRESULT GetDecodeSettings(DecodeSettingsRecord* settings);
@@ -63,8 +47,6 @@ class CReadVideoStream final : public IKtReadVideoStream, public HeapObject {
     virtual HRESULT ReadClipGeometry();
     virtual HRESULT Prepare();
 
-    // Keeps the stream from the decoder while the file object loads or closes the clip.
-    [[nodiscard]] platform::MutexLock Hold() noexcept { return lock_.Hold(); }
     // The file object tells the clip's path, so that a frame need not ask for it: the file's lock comes before the
     // stream's.
     void SetClipPath(const WCHAR* path) noexcept;
@@ -72,6 +54,7 @@ class CReadVideoStream final : public IKtReadVideoStream, public HeapObject {
     HRESULT GetPropertiesPath(WCHAR (&out)[MAX_PATH]) noexcept;
 
   private:
+    friend StreamBase;
     struct Picture;
 
     CReadVideoStream(CReadFile* file, const ClipField* clip) noexcept;
@@ -80,9 +63,6 @@ class CReadVideoStream final : public IKtReadVideoStream, public HeapObject {
     [[nodiscard]] HRESULT Decode(uint64_t frame, double gamma, const Picture& picture, void* output) noexcept;
     void FillFormat(_ktstreaminfo* info, WORD bits, uint64_t bytes) noexcept;
 
-    ReferenceCount references_{1};
-    CReadFile* file_;
-    const ClipField* clip_;
     MediaPropertyEditor* const* editor_;
     // Written under the lock and also read without it, each by itself.
     std::atomic<uint64_t> width_ = 0;  // pixels
@@ -90,12 +70,10 @@ class CReadVideoStream final : public IKtReadVideoStream, public HeapObject {
     std::atomic<uint64_t> frame_count_ = 0;
     std::atomic<double> frame_rate_ = 0.0;
     std::atomic<double> ratio_ = 1.0;
-    std::atomic<uint32_t> user_value_ = 0;
     std::atomic<uint32_t> format_index_ = 0;  // 0: 32 bits per pixel, 1: 128
     std::unique_ptr<AlignedBuffer> decode_buffer_;
     WCHAR properties_path_[MAX_PATH] = {};
     HRESULT properties_path_result_ = E_FAIL;
-    ObjectLock lock_;
 };
 
 }  // namespace clipfio

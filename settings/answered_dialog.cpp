@@ -16,6 +16,9 @@ static_assert(static_cast<uint32_t>(ItemState::Mixed) == kKtPropertyMixed);
 static_assert(static_cast<uint32_t>(ItemState::Agreed) == kKtPropertyAgreed);
 static_assert(static_cast<uint32_t>(ItemState::Changed) == kKtPropertyChanged);
 
+static_assert(FreshChoice(*FindProperty("ColorVersion")) == DecodeSettingsRecord{}.colorVersion);
+static_assert(FreshChoice(*FindProperty("ImageGammaCurve")) == DecodeSettingsRecord{}.imageGammaCurve);
+
 // The whole text as a number; infinities and the like are none.
 template <class T>
 HRESULT ParseWhole(std::string_view text, T& out) noexcept {
@@ -45,13 +48,15 @@ HRESULT ParseInteger(std::string_view text, int64_t& out) noexcept {
     return hr == kKtPanelOutOfRange ? kKtPanelNotOffered : hr;
 }
 
-HRESULT SetText(ComboBoxItem& item, const OfferedValues& offered, std::string_view text) noexcept {
+HRESULT SetText(ComboBoxItem& item, const PropertyRow& row, std::string_view text) noexcept {
     int64_t number = 0;
     const HRESULT hr = ParseInteger(text, number);
     if (FAILED(hr)) return hr;
-    const auto* row = std::find_if(offered.begin(), offered.end(), [&](const auto& o) { return o.value == number; });
-    if (row == offered.end()) return kKtPanelNotOffered;
-    SetForAllClips(item, row->value);
+    const bool isOffered =
+        std::any_of(row.offered.begin(), row.offered.end(), [&](const auto& o) { return o.value == number; });
+    // What a fresh record holds is in force where nobody chose, offered or not.
+    if (!isOffered && number != FreshChoice(row)) return kKtPanelNotOffered;
+    SetForAllClips(item, static_cast<uint32_t>(number));
     return S_OK;
 }
 
@@ -164,7 +169,7 @@ class Panel final : public IKtPropertiesPanel {
                 return clipfio::SetText(static_cast<BooleanItem&>(*setting.item), text);
             case PropertyKind::StringCombo:
             case PropertyKind::IntCombo:
-                return clipfio::SetText(static_cast<ComboBoxItem&>(*setting.item), setting.row->offered, text);
+                return clipfio::SetText(static_cast<ComboBoxItem&>(*setting.item), *setting.row, text);
         }
         return E_UNEXPECTED;
     }

@@ -6,6 +6,7 @@
 
 #include "platform/base.h"
 #include "platform/com.h"
+#include "settings/property_table.h"
 
 inline constexpr IID IID_IKtPropertiesAnswer = {
     0xAA961525, 0xBDE5, 0x4186, {0xAF, 0x22, 0xC5, 0xD0, 0xD7, 0xAE, 0x9D, 0x1F}};
@@ -31,7 +32,8 @@ enum KtPropertyState : uint32_t {
 // until Answer returns.
 struct IKtPropertiesPanel {
     // `text` is the whole number with "." as decimal point and without blanks: a float within the setting's limits; a
-    // decimal integer among the offered ones; "0" or "1". The setting then counts as changed, even at its old value.
+    // decimal integer among the offered ones or the one of a fresh record; "0" or "1". The setting then counts as
+    // changed, even at its old value.
     virtual HRESULT STDMETHODCALLTYPE SetValue(const char* key, const char* text) = 0;
     // Leaves the setting as it is in each clip.
     virtual HRESULT STDMETHODCALLTYPE Unset(const char* key) = 0;
@@ -54,3 +56,13 @@ struct IKtPropertiesAnswer : IUnknown {
     // does not count as shown. Without this interface, and without a window system, that result is E_FAIL.
     virtual HRESULT STDMETHODCALLTYPE Answer(IKtPropertiesPanel* panel) = 0;
 };
+
+namespace clipfio {
+
+// The choice that a fresh settings record holds, which SetValue takes whether the dialog offers it or not.
+constexpr uint32_t FreshChoice(const PropertyRow& row) noexcept {
+    constexpr uint32_t kNewestColorVersion = 3;
+    return std::string_view(row.key) == "ColorVersion" ? kNewestColorVersion : static_cast<uint32_t>(row.defaultValue);
+}
+
+}  // namespace clipfio

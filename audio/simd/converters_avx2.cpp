@@ -4,8 +4,7 @@
 #include "audio/converters.h"
 #include "audio/simd/vector_inline.h"
 
-#pragma GCC push_options
-#pragma GCC target("avx2")
+KT_BEGIN_TARGET("avx2")
 
 namespace clipfio::audio::avx2 {
 namespace {
@@ -17,7 +16,7 @@ namespace {
 }  // namespace
 }  // namespace clipfio::audio::avx2
 
-#pragma GCC pop_options
+KT_END_TARGET
 
 namespace clipfio::audio {
 

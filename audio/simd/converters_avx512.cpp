@@ -6,9 +6,10 @@
 
 #pragma GCC diagnostic push
 // The compiler's own header makes "undefined" vectors by an initialisation with themselves.
+#ifndef __clang__
 #pragma GCC diagnostic ignored "-Wmaybe-uninitialized"
-#pragma GCC push_options
-#pragma GCC target("avx512f,avx512bw,avx512dq,avx512vl")
+#endif
+KT_BEGIN_TARGET("avx512f,avx512bw,avx512dq,avx512vl")
 
 namespace clipfio::audio::avx512 {
 namespace {
@@ -20,7 +21,7 @@ namespace {
 }  // namespace
 }  // namespace clipfio::audio::avx512
 
-#pragma GCC pop_options
+KT_END_TARGET
 #pragma GCC diagnostic pop
 
 namespace clipfio::audio {

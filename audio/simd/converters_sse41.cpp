@@ -4,8 +4,7 @@
 #include "audio/converters.h"
 #include "audio/simd/vector_inline.h"
 
-#pragma GCC push_options
-#pragma GCC target("ssse3,sse4.1")
+KT_BEGIN_TARGET("ssse3,sse4.1")
 
 #define CLIPFIO_SSE41
 
@@ -19,7 +18,7 @@ namespace {
 }  // namespace
 }  // namespace clipfio::audio::sse41
 
-#pragma GCC pop_options
+KT_END_TARGET
 
 namespace clipfio::audio {
 

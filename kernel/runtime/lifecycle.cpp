@@ -2,7 +2,9 @@
 
 #include <utility>
 
+#include "kernel/internationals.h"
 #include "kernel/lang.h"
+#include "kernel/print_tokens.h"
 
 namespace {
 
@@ -12,11 +14,15 @@ constinit HMODULE g_app_kernel = nullptr;
 
 bool KtKernel_EarlyInitialize(HMODULE module, uint32_t) noexcept {
     g_app_kernel = module;
+    if (FAILED(clipfio::CreatePrintTokens())) return false;
     HKTLANG& language = clipfio::KernelLanguage();
-    return language || SUCCEEDED(KtLang_Open(&language, module, 0, 0));
+    if (!language && FAILED(KtLang_Open(&language, module, 0, 0))) return false;
+    KtLang_GetInternationals(nullptr, 0);
+    return true;
 }
 
 int32_t KtKernel_LateTerminate(HMODULE) noexcept {
+    clipfio::DestroyPrintTokens();
     KtLang_Close(std::exchange(clipfio::KernelLanguage(), nullptr));
     g_app_kernel = nullptr;
     return 1;

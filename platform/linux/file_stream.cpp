@@ -5,7 +5,6 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <atomic>
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
@@ -16,15 +15,13 @@
 #include "errors.h"
 #include "fault_point.h"
 #include "paths.h"
-#include "platform/com.h"
+#include "plain_stream.h"
 
 namespace {
 
 constexpr std::size_t kBufferSize = 64 * 1024;
 constexpr DWORD kAccessMask = 3;
 constexpr DWORD kShareMask = 0x70;
-constexpr DWORD STGTY_STREAM = 2;
-constexpr DWORD STATFLAG_NONAME = 1;
 constexpr HRESULT STG_E_INVALIDFLAG = static_cast<HRESULT>(0x800300FFu);
 
 HRESULT ResultOf(int error) noexcept {
@@ -64,44 +61,21 @@ std::size_t MoveAll(Call call, int descriptor, Byte* data, std::size_t bytes, st
     return done;
 }
 
-class FileStream final : public IStream {
+class FileStream final : public platform::PlainStream {
   public:
     FileStream(int descriptor, DWORD mode, WString path) noexcept
         : descriptor_(descriptor), mode_(mode), path_(std::move(path)) {}
-
-    HRESULT QueryInterface(REFIID id, void** out) override {
-        if (!out) return E_POINTER;
-        const bool known = id == IID_IUnknown || id == IID_ISequentialStream || id == IID_IStream;
-        *out = known ? static_cast<IStream*>(this) : nullptr;
-        if (!known) return E_NOINTERFACE;
-        AddRef();
-        return S_OK;
-    }
-    ULONG AddRef() override { return ++references_; }
-    ULONG Release() override {
-        const ULONG left = --references_;
-        if (left == 0) delete this;
-        return left;
-    }
 
     HRESULT Read(void* data, ULONG bytes, ULONG* read) override;
     HRESULT Write(const void* data, ULONG bytes, ULONG* written) override;
     HRESULT Seek(LARGE_INTEGER move, DWORD origin, ULARGE_INTEGER* position) override;
     HRESULT SetSize(ULARGE_INTEGER size) override;
-    HRESULT CopyTo(IStream* target, ULARGE_INTEGER bytes, ULARGE_INTEGER* read, ULARGE_INTEGER* written) override;
     // Nothing is held back after a success, but nothing is forced to the disk either.
     HRESULT Commit(DWORD) override { return Flush(); }
-    HRESULT Revert() override { return E_NOTIMPL; }
-    HRESULT LockRegion(ULARGE_INTEGER, ULARGE_INTEGER, DWORD) override { return E_NOTIMPL; }
-    HRESULT UnlockRegion(ULARGE_INTEGER, ULARGE_INTEGER, DWORD) override { return E_NOTIMPL; }
     HRESULT Stat(STATSTG* stat, DWORD flags) override;
-    HRESULT Clone(IStream** out) override {
-        if (out) *out = nullptr;
-        return E_NOTIMPL;
-    }
 
   private:
-    ~FileStream() {
+    ~FileStream() override {
         static_cast<void>(Flush());
         close(descriptor_);
     }
@@ -123,7 +97,6 @@ class FileStream final : public IStream {
     [[nodiscard]] HRESULT ReadMore(unsigned char* to, std::size_t bytes, std::size_t& done) noexcept;
     [[nodiscard]] HRESULT WriteMore(const unsigned char* from, std::size_t bytes, std::size_t& done) noexcept;
 
-    std::atomic<ULONG> references_{1};
     int descriptor_;
     DWORD mode_;
     bool dirty_ = false;      // the buffer's first at_ bytes belong at start_ of the file, and are not there yet
@@ -261,40 +234,19 @@ HRESULT FileStream::SetSize(ULARGE_INTEGER size) {
     return ftruncate(descriptor_, static_cast<off_t>(size.QuadPart)) == 0 ? S_OK : ResultOf(errno);
 }
 
-HRESULT FileStream::CopyTo(IStream* target, ULARGE_INTEGER bytes, ULARGE_INTEGER* read, ULARGE_INTEGER* written) {
-    ULONGLONG total_read = 0;
-    ULONGLONG total_written = 0;
-    HRESULT hr = target ? S_OK : STG_E_INVALIDPOINTER;
-    unsigned char piece[4096];
-    while (hr == S_OK && total_read < bytes.QuadPart) {
-        ULONG got = 0;
-        hr = Read(piece, static_cast<ULONG>(std::min<ULONGLONG>(sizeof piece, bytes.QuadPart - total_read)), &got);
-        total_read += got;
-        if (FAILED(hr) || got == 0) break;
-        ULONG put = 0;
-        const HRESULT result = target->Write(piece, got, &put);
-        total_written += put;
-        if (FAILED(result)) hr = result;
-    }
-    if (read) read->QuadPart = total_read;
-    if (written) written->QuadPart = total_written;
-    // The end of the stream ends the copy, and is no failure.
-    return FAILED(hr) ? hr : S_OK;
-}
-
 HRESULT FileStream::Stat(STATSTG* stat, DWORD flags) {
     if (!stat) return STG_E_INVALIDPOINTER;
     *stat = {};
     if (const HRESULT hr = Flush(); FAILED(hr)) return hr;
     struct stat facts {};
     if (fstat(descriptor_, &facts) != 0) return ResultOf(errno);
-    if ((flags & STATFLAG_NONAME) == 0) {
+    if ((flags & platform::kWithoutName) == 0) {
         const std::size_t bytes = (path_.size() + 1) * sizeof(WCHAR);
         stat->pwcsName = static_cast<WCHAR*>(std::malloc(bytes));
         if (!stat->pwcsName) return E_OUTOFMEMORY;
         std::memcpy(stat->pwcsName, path_.c_str(), bytes);
     }
-    stat->type = STGTY_STREAM;
+    stat->type = platform::kStreamType;
     stat->cbSize.QuadPart = static_cast<ULONGLONG>(facts.st_size);
     stat->mtime = FileTimeOf(facts.st_mtim);
     stat->ctime = FileTimeOf(facts.st_ctim);

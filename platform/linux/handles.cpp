@@ -10,6 +10,7 @@
 #include "mappings.h"
 #include "platform/files.h"
 #include "platform/process.h"
+#include "window_record.h"
 
 namespace platform {
 namespace {
@@ -95,6 +96,10 @@ bool Destroy(HandleSlot& slot) noexcept {
             return DestroyMutex(slot);
         case HandleType::kProcess:
             DestroyProcess(slot);
+            return true;
+        case HandleType::kKey:
+        case HandleType::kWindow:
+            FreeWindow(slot.window);
             return true;
         case HandleType::kNone:
             break;
@@ -207,6 +212,26 @@ HANDLE NewMutexHandle() noexcept {
     return Publish(*slot, HandleType::kMutex);
 }
 
+HANDLE NewKeyHandle(const KeyFacts& key, DWORD access) noexcept {
+    HandleSlot* const slot = TakeSlot();
+    if (!slot) return nullptr;
+    slot->flags = access;
+    slot->key = key;
+    return Publish(*slot, HandleType::kKey);
+}
+
+HWND NewWindowHandle(Window* window) noexcept {
+    HandleSlot* const slot = TakeSlot();
+    if (!slot) {
+        FreeWindow(window);
+        return nullptr;
+    }
+    slot->window = window;
+    return static_cast<HWND>(Publish(*slot, HandleType::kWindow));
+}
+
+void CloseWindowHandle(HWND handle) noexcept { CloseTableHandle(handle); }
+
 HANDLE NewAliasHandle(HANDLE handle, DWORD rights) noexcept {
     HandleSlot* used = Use(handle);
     if (!used) return Fail<HANDLE>(ERROR_INVALID_HANDLE, nullptr);
@@ -234,5 +259,6 @@ HANDLE NewAliasHandle(HANDLE handle, DWORD rights) noexcept {
 extern "C" BOOL CloseHandle(HANDLE handle) noexcept {
     if (handle == GetCurrentProcess()) return TRUE;
     if (platform::IsMappingHandle(handle)) return platform::CloseMapping(handle);
+    if (platform::HandleUse(handle, platform::HandleType::kWindow)) return platform::Fail(ERROR_INVALID_HANDLE);
     return platform::CloseTableHandle(handle);
 }

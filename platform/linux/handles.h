@@ -42,6 +42,10 @@ HANDLE NewFileHandle(int descriptor, std::uint32_t flags) noexcept;
 // A child of this process is cleared away with its last handle, if it has ended by then.
 HANDLE NewProcessHandle(int pidfd, DWORD id, DWORD access, bool is_child) noexcept;
 HANDLE NewMutexHandle() noexcept;
+// Takes over a window, also when it fails, and frees it with the last use of the handle.
+HWND NewWindowHandle(Window* window) noexcept;
+void CloseWindowHandle(HWND handle) noexcept;
+HANDLE NewKeyHandle(const KeyFacts& key, DWORD access) noexcept;
 // A second handle on the same mutex or process.
 HANDLE NewAliasHandle(HANDLE handle, DWORD rights) noexcept;
 

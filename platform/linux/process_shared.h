@@ -20,7 +20,18 @@ inline constexpr std::uint32_t kMaxHandles = 1u << 17;
 inline constexpr std::uint32_t kMaxResourceImages = 64;
 inline constexpr std::size_t kKnownBlocks = 4096;
 
-enum class HandleType : std::uint32_t { kNone, kFile, kMutex, kProcess };
+inline constexpr std::uint32_t kMaxWindowClasses = 256;
+inline constexpr std::size_t kLongestClassName = 64;  // with the terminator
+
+enum class HandleType : std::uint32_t { kNone, kFile, kMutex, kProcess, kKey, kWindow };
+
+struct Window;
+
+struct WindowClass {
+    WCHAR name[kLongestClassName];  // in capitals; empty: the place is free
+    LONG_PTR (*procedure)(HWND, UINT, WPARAM, LPARAM);
+    HINSTANCE instance;
+};
 
 struct ProcessFacts {
     DWORD id;
@@ -29,16 +40,24 @@ struct ProcessFacts {
     DWORD exit_code;
 };
 
+struct KeyFacts {
+    std::int64_t id;       // in the hive's file; 0 is its root
+    std::uint64_t folder;  // the hash of the registry's folder: elsewhere the id means nothing
+    std::uint32_t hive;
+};
+
 // One handle, on a cache line of its own.
 struct alignas(64) HandleSlot {
     std::atomic<std::uint64_t> word;  // generation, then open flag and uses; see handles.cpp
     HandleType type;
-    std::uint32_t flags;  // file: kFile*; mutex: how often its owner holds it; process: the access rights
+    std::uint32_t flags;  // file: kFile*; mutex: how often its owner holds it; process, key: the access rights
     std::uint32_t link;   // in use: the slot that this one is an alias of, or 0; free: the next free slot, or 0
     std::int32_t number;  // file, process: the descriptor; mutex: the thread that holds it, or 0
     union {
         pthread_mutex_t mutex;
         ProcessFacts process;
+        KeyFacts key;
+        Window* window;
     };
 };
 static_assert(sizeof(HandleSlot) == 64);
@@ -59,6 +78,8 @@ struct ProcessShared {
     pthread_mutex_t resource_lock;
     std::uint32_t free_head;  // index of a free slot, 0 when there is none
     std::uint32_t slots_used;
+    pthread_mutex_t class_lock;
+    WindowClass window_classes[kMaxWindowClasses];
     ResourceImage images[kMaxResourceImages];
     std::atomic<std::uintptr_t> known_blocks[kKnownBlocks];  // of the global heap; see memory.cpp
     HandleSlot slots[kMaxHandles];                           // slot 0 is never used

@@ -191,7 +191,49 @@ void UnregisterResources(HMODULE module) noexcept {
     }
 }
 
+std::size_t ResourceBytesFrom(const void* address) noexcept {
+    const auto at = reinterpret_cast<std::uintptr_t>(address);
+    ResourceImage image{};
+    {
+        PthreadLock lock(Shared().resource_lock);
+        for (const ResourceImage& known : Shared().images) {
+            if (known.bytes && at - reinterpret_cast<std::uintptr_t>(known.bytes) < known.size) image = known;
+        }
+    }
+    Entry entry;
+    for (Walk walk(image); walk.Next(entry);) {
+        const std::uintptr_t into = at - reinterpret_cast<std::uintptr_t>(entry.data);
+        if (into < entry.size) return entry.size - into;
+    }
+    return image.bytes ? 0 : SIZE_MAX;
+}
+
+bool HoldsResource(HMODULE module, HRSRC resource) noexcept {
+    Entry entry;
+    return EntryOf(module, resource, entry);
+}
+
 }  // namespace platform
+
+extern "C" HRSRC FindResourceW(HMODULE module, const WCHAR* name, const WCHAR* type) noexcept {
+    return FindResourceExW(module, type, name, 0);
+}
+
+extern "C" BOOL EnumResourceLanguagesW(HMODULE module, const WCHAR* type, const WCHAR* name, ENUMRESLANGPROCW callback,
+                                       LONG_PTR parameter) noexcept {
+    ResourceImage image{};
+    if (!ImageOf(module, image)) return Fail(platform::ERROR_RESOURCE_DATA_NOT_FOUND);
+    const Wanted wanted_type(type);
+    const Wanted wanted_name(name);
+    bool any = false;
+    Entry entry;
+    for (Walk walk(image); walk.Next(entry);) {
+        if (!wanted_type.Is(entry.type) || !wanted_name.Is(entry.name)) continue;
+        any = true;
+        if (!callback(module, type, name, entry.language, parameter)) return FALSE;
+    }
+    return any ? TRUE : Fail(ERROR_RESOURCE_NAME_NOT_FOUND);
+}
 
 extern "C" HRSRC FindResourceExW(HMODULE module, const WCHAR* type, const WCHAR* name, WORD language) noexcept {
     ResourceImage image{};

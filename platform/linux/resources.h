@@ -11,4 +11,8 @@ namespace platform {
 bool RegisterResources(HMODULE module, const void* image, std::size_t bytes) noexcept;
 void UnregisterResources(HMODULE module) noexcept;
 
+// How many bytes there are from an address in the data of a resource to the resource's end; of memory that is no
+// resource nothing is known, and the number is as great as can be.
+std::size_t ResourceBytesFrom(const void* address) noexcept;
+
 }  // namespace platform

@@ -5,6 +5,8 @@
 
 #include <cerrno>
 
+#include "platform/memory.h"
+
 namespace platform {
 
 bool IsReadable(const void* address) noexcept {
@@ -19,3 +21,16 @@ bool IsReadable(const void* address) noexcept {
 }
 
 }  // namespace platform
+
+extern "C" BOOL IsBadReadPtr(const void* address, ULONG_PTR bytes) noexcept {
+    if (bytes == 0) return FALSE;
+    const auto first = reinterpret_cast<std::uintptr_t>(address);
+    const std::uintptr_t last = first + (bytes - 1);
+    if (last < first) return TRUE;
+    constexpr std::uintptr_t kPage = 4096;
+    for (std::uintptr_t page = first & ~(kPage - 1);; page += kPage) {
+        // The page's first word, which lies in no other page.
+        if (!platform::IsReadable(reinterpret_cast<const void*>(page))) return TRUE;
+        if (last - page < kPage) return FALSE;
+    }
+}

@@ -142,3 +142,5 @@ extern "C" void InitializeCriticalSection(CRITICAL_SECTION* section) noexcept {
 extern "C" void EnterCriticalSection(CRITICAL_SECTION* section) noexcept { pthread_mutex_lock(&MutexOf(section)); }
 extern "C" void LeaveCriticalSection(CRITICAL_SECTION* section) noexcept { pthread_mutex_unlock(&MutexOf(section)); }
 extern "C" void DeleteCriticalSection(CRITICAL_SECTION* section) noexcept { pthread_mutex_destroy(&MutexOf(section)); }
+
+extern "C" DWORD GetCurrentThreadId() noexcept { return static_cast<DWORD>(ThreadId()); }

@@ -1,5 +1,8 @@
 #include "platform/text.h"
 
+#include <locale.h>
+#include <wctype.h>
+
 #include <algorithm>
 #include <cstring>
 #include <limits>
@@ -160,19 +163,28 @@ int Utf8FromWide(const WCHAR* in, std::size_t length, bool strict, Output<char> 
     return output.Result();
 }
 
+bool IsDigit(WCHAR c) noexcept { return c >= u'0' && c <= u'9'; }
+
 // The order of two characters in a list for people: signs, then digits, then letters.
 int ClassOf(WCHAR c) noexcept {
-    if (c >= u'0' && c <= u'9') return 1;
+    if (IsDigit(c)) return 1;
     const WCHAR lower = c | 0x20;
     return (lower >= u'a' && lower <= u'z') || c >= 0xC0 ? 2 : 0;
 }
 
-WCHAR FoldCase(WCHAR c) noexcept {
-    const bool upper = (c >= u'A' && c <= u'Z') || (c >= 0xC0 && c <= 0xDE && c != 0xD7);
-    return upper ? static_cast<WCHAR>(c + 0x20) : c;
-}
-
 int Sign(int difference) noexcept { return difference < 0 ? -1 : difference > 0 ? 1 : 0; }
+
+// The numbers that both texts begin with; both are moved behind them.
+int CompareNumbers(const WCHAR*& a, const WCHAR*& b) noexcept {
+    while (*a == u'0') ++a;
+    while (*b == u'0') ++b;
+    int difference = 0;
+    for (; IsDigit(*a) && IsDigit(*b); ++a, ++b) {
+        if (difference == 0) difference = Sign(*a - *b);
+    }
+    if (IsDigit(*a) || IsDigit(*b)) return IsDigit(*a) ? 1 : -1;
+    return difference;
+}
 
 }  // namespace
 
@@ -214,21 +226,36 @@ extern "C" int WideCharToMultiByte(UINT code_page, DWORD flags, const WCHAR* in,
     return output.Result();
 }
 
-extern "C" int lstrcmpW(const WCHAR* a, const WCHAR* b) noexcept {
+extern "C" int lstrlenW(const WCHAR* text) noexcept { return text ? static_cast<int>(WStringView(text).size()) : 0; }
+
+extern "C" int StrCmpLogicalW(const WCHAR* a, const WCHAR* b) noexcept {
     if (!a || !b) return (a ? 1 : 0) - (b ? 1 : 0);
-    int tie = 0;
-    for (;; ++a, ++b) {
-        if (*a == *b) {
-            if (*a == 0) return tie;
+    for (;;) {
+        if (IsDigit(*a) && IsDigit(*b)) {
+            if (const int difference = CompareNumbers(a, b)) return difference;
             continue;
         }
-        if (*a == 0 || *b == 0) return *a ? 1 : -1;
+        if (*a == 0 || *b == 0) return (*a ? 1 : 0) - (*b ? 1 : 0);
         const int classes = ClassOf(*a) - ClassOf(*b);
-        const int folded = FoldCase(*a) - FoldCase(*b);
-        if (classes != 0 || folded != 0) return Sign(classes != 0 ? classes : folded);
-        // Letters that differ in case only: the small one comes first, if nothing else decides.
-        if (tie == 0) tie = Sign(*b - *a);
+        const int folded = platform::UpperCase(*a++) - platform::UpperCase(*b++);
+        if (folded != 0) return Sign(classes != 0 ? classes : folded);
     }
 }
 
-extern "C" int lstrlenW(const WCHAR* text) noexcept { return text ? static_cast<int>(WStringView(text).size()) : 0; }
+extern "C" int _getmbcp() noexcept { return 0; }
+extern "C" int _mbbtype(unsigned char, int) noexcept { return _MBC_SINGLE; }
+
+extern "C" char* CharNextA(const char* text) noexcept { return const_cast<char*>(*text ? text + 1 : text); }
+
+namespace platform {
+
+WCHAR UpperCase(WCHAR c) noexcept {
+    if (c < 0x80) return c >= u'a' && c <= u'z' ? static_cast<WCHAR>(c - 0x20) : c;
+    static const locale_t unicode = newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr);
+    if (!unicode) return c;
+    const wint_t upper = towupper_l(c, unicode);
+    // The dotless i and the long s have capitals that are other letters' already.
+    return upper < 0x80 || upper > 0xFFFF ? c : static_cast<WCHAR>(upper);
+}
+
+}  // namespace platform

@@ -374,3 +374,14 @@ extern "C" int _snwprintf(WCHAR* out, std::size_t size, const WCHAR* format, ...
     va_end(arguments);
     return result;
 }
+
+extern "C" int wsprintfW(WCHAR* out, const WCHAR* format, ...) noexcept {
+    constexpr int kLongest = 1024;
+    std::va_list arguments;
+    va_start(arguments, format);
+    const int length = _vsnwprintf(out, kLongest, format, arguments);
+    va_end(arguments);
+    const int stored = length < 0 ? kLongest : length;
+    out[stored] = 0;
+    return stored;
+}

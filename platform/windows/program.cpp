@@ -3,12 +3,27 @@
 #include <fcntl.h>
 #include <io.h>
 
+#include <algorithm>
+#include <csignal>
+
 #include "platform/base.h"
 #include "platform/text.h"
 
 #include <shellapi.h>
 
 namespace platform {
+namespace {
+
+constexpr std::size_t kMostBytesPerRead = std::size_t{1} << 24;
+
+std::atomic<std::atomic<bool>*> g_stop{nullptr};
+
+void OnStopRequest(int signal) {
+    if (std::atomic<bool>* const flag = g_stop) *flag = true;
+    std::signal(signal, SIG_DFL);
+}
+
+}  // namespace
 
 // Main's own are in the system's code page, which has few of the characters of file names.
 std::vector<std::string> Arguments(int argc, char** argv) {
@@ -36,6 +51,18 @@ void PrepareStandardStreams() noexcept {
     const HANDLE screen = GetStdHandle(STD_ERROR_HANDLE);
     DWORD mode = 0;
     if (GetConsoleMode(screen, &mode)) SetConsoleMode(screen, mode | ENABLE_VIRTUAL_TERMINAL_PROCESSING);
+}
+
+void TakeStopRequests(std::atomic<bool>* flag) noexcept {
+    g_stop = flag;
+    for (const int signal : {SIGINT, SIGTERM, SIGBREAK}) {
+        const auto before = std::signal(signal, flag ? OnStopRequest : SIG_DFL);
+        if (before == SIG_IGN) std::signal(signal, SIG_IGN);
+    }
+}
+
+std::ptrdiff_t ReadInput(void* data, std::size_t bytes, const std::atomic<bool>&) noexcept {
+    return _read(_fileno(stdin), data, static_cast<unsigned>(std::min(bytes, kMostBytesPerRead)));
 }
 
 // The runtime takes every character device for a terminal, NUL too: a console is what can be asked for its mode.

@@ -1,12 +1,14 @@
 #include "substitutes/decoder/clip_writer.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <new>
 #include <utility>
 #include <vector>
 
 #include "platform/endian.h"
 #include "platform/files.h"
+#include "platform/result_file.h"
 #include "platform/text.h"
 #include "substitutes/decoder/file_access.h"
 #include "substitutes/decoder/reduced_sizes.h"
@@ -62,12 +64,12 @@ const char* FaultOf(const ClipDescription& d) noexcept {
     return nullptr;
 }
 
-// A file that goes with the object, unless it has become the clip.
+// A file under a temporary name, which goes with the object unless it has become the clip.
 class TemporaryFile {
   public:
-    explicit TemporaryFile(WString path) : path_(std::move(path)) {}
+    TemporaryFile() = default;
     ~TemporaryFile() {
-        if (!is_there_) return;
+        if (path_.empty()) return;
         if (file_.IsOpen()) (void)file_.Close();
         // A second time, should the first have wanted memory that was short.
         if (!DeleteFileW(path_.c_str())) DeleteFileW(path_.c_str());
@@ -75,36 +77,38 @@ class TemporaryFile {
     TemporaryFile(const TemporaryFile&) = delete;
     TemporaryFile& operator=(const TemporaryFile&) = delete;
 
-    [[nodiscard]] bool Create() noexcept { return is_there_ = file_.Create(path_); }
-    [[nodiscard]] bool IsThere() const noexcept { return is_there_; }
+    // In the folder of `target`.
+    [[nodiscard]] bool Create(const std::filesystem::path& target) {
+        path_ = platform::MakeTemporaryFile(target).wide;
+        return !path_.empty() && file_.Create(path_);
+    }
+    [[nodiscard]] bool IsThere() const noexcept { return !path_.empty(); }
     [[nodiscard]] bool BecomeFile(const WString& path) noexcept {
         if (!MoveFileExW(path_.c_str(), path.c_str(), MOVEFILE_REPLACE_EXISTING)) return false;
-        is_there_ = false;
+        path_.clear();
         return true;
     }
     [[nodiscard]] const WString& Path() const noexcept { return path_; }
     [[nodiscard]] OutputFile& File() noexcept { return file_; }
 
   private:
-    WString path_;
+    WString path_;  // empty when there is none
     OutputFile file_;
-    bool is_there_ = false;
 };
 
 }  // namespace
 
 struct ClipWriter::Job {
-    Job(WStringView target, const ClipDescription& d)
-        : path(target),
-          pictures(path + W(".part")),
-          sound(path + W(".sound.part")),
+    Job(std::filesystem::path file, const ClipDescription& d)
+        : target(std::move(file)),
+          path(platform::WidePath(target)),
           header(HeaderOf(d)),
           reduced(d.width, d.height, d.coding) {}
 
     [[nodiscard]] bool Start() {
         // The header is written last; until then its place holds zeros, which no reader takes for a clip.
         const std::vector<std::byte> zeros(sizeof(ClipHeader));
-        return pictures.Create() && pictures.File().Write(zeros.data(), zeros.size());
+        return pictures.Create(target) && pictures.File().Write(zeros.data(), zeros.size());
     }
 
     [[nodiscard]] bool WriteFrame(const uint16_t* rgb) {
@@ -118,7 +122,7 @@ struct ClipWriter::Job {
 
     // Sound waits in a file of its own, since it stands behind the last picture.
     [[nodiscard]] bool WriteSound(const int32_t* interleaved, size_t samples) {
-        if (!sound.IsThere() && !sound.Create()) return false;
+        if (!sound.IsThere() && !sound.Create(target)) return false;
         copy.resize(kCopyBytes);
         const size_t values = samples * ChannelCount(header.channelMask);
         for (size_t done = 0; done < values;) {
@@ -153,7 +157,8 @@ struct ClipWriter::Job {
         return pictures.File().Rewind() && pictures.File().Write(&header, sizeof header);
     }
 
-    WString path;
+    std::filesystem::path target;
+    WString path;  // the target's
     TemporaryFile pictures;
     TemporaryFile sound;
     ClipHeader header;
@@ -164,10 +169,16 @@ struct ClipWriter::Job {
 ClipWriter::ClipWriter() = default;
 ClipWriter::~ClipWriter() = default;
 
-bool ClipWriter::Fail(const char* text) {
+bool ClipWriter::Fail(std::string_view text) {
     job_.reset();
     error_ = text;
     return false;
+}
+
+// For a call of the system that just failed.
+bool ClipWriter::FailHere(std::string_view what) {
+    const std::string_view reason = platform::ErrorText(GetLastError());
+    return Fail(std::string(what) + ": " + std::string(reason));
 }
 
 template <class Step>
@@ -191,9 +202,11 @@ bool ClipWriter::Open(WStringView path, const ClipDescription& description) noex
     try {
         if (path.empty()) return Fail("the path is empty");
         if (const char* fault = FaultOf(description)) return Fail(fault);
-        job_ = std::make_unique<Job>(path, description);
-        if (job_->Start()) return true;
-        return Fail(("cannot write " + platform::Utf8(job_->pictures.Path())).c_str());
+        const platform::ResultTarget target = platform::FindResultTarget(platform::NativePath(platform::Utf8(path)));
+        if (!target.fault.empty()) return Fail(target.fault);
+        if (target.is_direct) return Fail("a clip cannot be written to a device or a pipe");
+        job_ = std::make_unique<Job>(target.path, description);
+        return job_->Start() || FailHere("the file cannot be made");
     } catch (const std::exception&) {
         job_.reset();
         error_ = "out of memory";
@@ -204,7 +217,7 @@ bool ClipWriter::Open(WStringView path, const ClipDescription& description) noex
 bool ClipWriter::AddFrame(const uint16_t* rgb) noexcept {
     return Run([&] {
         if (rgb == nullptr) return Fail("no picture was given");
-        return job_->WriteFrame(rgb) || Fail("cannot write a picture: the disk may be full");
+        return job_->WriteFrame(rgb) || FailHere("a picture cannot be written");
     });
 }
 
@@ -213,18 +226,16 @@ bool ClipWriter::AddAudio(const int32_t* interleaved, size_t samples) noexcept {
         if (samples == 0) return true;
         if (interleaved == nullptr) return Fail("no sound was given");
         if (job_->header.sampleRate == 0) return Fail("the clip was described as one without sound");
-        return job_->WriteSound(interleaved, samples) || Fail("cannot write sound: the disk may be full");
+        return job_->WriteSound(interleaved, samples) || FailHere("sound cannot be written");
     });
 }
 
 bool ClipWriter::Finish() noexcept {
     return Run([&] {
         if (!job_->AppendSound() || !job_->WriteHeader() || !job_->pictures.File().Close()) {
-            return Fail("cannot complete the file: the disk may be full");
+            return FailHere("the file cannot be completed");
         }
-        if (!job_->pictures.BecomeFile(job_->path)) {
-            return Fail(("cannot name the finished file " + platform::Utf8(job_->path)).c_str());
-        }
+        if (!job_->pictures.BecomeFile(job_->path)) return FailHere("the finished file cannot take its name");
         job_.reset();
         return true;
     });

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <string_view>
 
 #include "platform/base.h"
 #include "r3dsdk/sdk_records.h"
@@ -26,8 +27,9 @@ struct ClipDescription {
     DecodeSettingsRecord settings = {};
 };
 
-// Writes beside the target, under the target's name with ".part" after it, and takes the target's name only in Finish:
-// a clip that was not finished leaves no file, and an older file of that name stays as it was.
+// Writes beside the target, under a name of its own, and takes the target's name only in Finish: a clip that was not
+// finished leaves no file, and an older file of that name stays as it was. A link is followed; what is no regular file
+// is refused.
 //
 // Pictures and sound may come in any order and in any portions. All operations give false on failure; Error() then
 // says why in English, the file is gone, and everything but Open goes on failing. One thread.
@@ -52,7 +54,8 @@ class ClipWriter {
     struct Job;
     template <class Step>
     bool Run(Step step) noexcept;
-    bool Fail(const char* text);
+    bool Fail(std::string_view text);
+    bool FailHere(std::string_view what);
 
     std::unique_ptr<Job> job_;
     std::string error_;

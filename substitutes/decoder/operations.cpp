@@ -132,13 +132,14 @@ KT_API float R3D_ABB(uintptr_t clip) {
     });
 }
 
-// AudioBlockInfo: the size is that of the samples as DecodeAudio gives them.
+// AudioBlockInfo: the size is that of the samples as DecodeAudio gives them. Samples without channels are no sound.
 KT_API uint64_t R3D_AAZ(uintptr_t clip, uint64_t* largest_bytes) {
     uint64_t bytes = 0;
     const uint64_t blocks = Ask(clip, uint64_t{0}, [&bytes](const ClipHeader& h) {
-        if (h.sampleCount == 0) return uint64_t{0};
+        const uint32_t channels = clipfio::decoder::ChannelCount(h.channelMask);
+        if (h.sampleCount == 0 || channels == 0) return uint64_t{0};
         const uint64_t samples = std::min<uint64_t>(h.blockSamples, h.sampleCount);
-        bytes = samples * clipfio::decoder::ChannelCount(h.channelMask) * sizeof(int32_t);
+        bytes = samples * channels * sizeof(int32_t);
         return (h.sampleCount - 1) / h.blockSamples + 1;
     });
     if (largest_bytes != nullptr) *largest_bytes = bytes;

@@ -7,6 +7,7 @@
 #include <exception>
 
 #include "platform/endian.h"
+#include "platform/result_file.h"
 
 namespace clipfio::decoder {
 namespace {
@@ -19,6 +20,8 @@ constexpr uint32_t kNoSize = 0xFFFFFFFF;
 constexpr uint16_t kPcm = 1;
 constexpr uint16_t kFloat = 3;
 constexpr uint16_t kExtensible = 0xFFFE;
+// Of the id of a sub-format, what follows the tag.
+constexpr uint8_t kSubFormatEnd[14] = {0, 0, 0, 0, 0x10, 0, 0x80, 0, 0, 0xAA, 0, 0x38, 0x9B, 0x71};
 
 bool Is(const uint8_t* id, const char (&text)[5]) noexcept { return std::memcmp(id, text, 4) == 0; }
 
@@ -42,13 +45,20 @@ bool WavInput::Fail(const char* text) {
     return false;
 }
 
+// For a call of the system that just failed.
+bool WavInput::FailHere(const char* what) {
+    const std::string_view reason = platform::ErrorText(GetLastError());
+    error_ = std::string(what) + ": " + std::string(reason);
+    return false;
+}
+
 bool WavInput::Open(WStringView path) noexcept {
     rate_ = channels_ = sample_bytes_ = 0;
     offset_ = count_ = left_ = 0;
     try {
         error_.clear();
         raw_.resize(kRawBytes);
-        if (!file_.Open(WString(path))) return Fail("the WAV file cannot be opened");
+        if (!file_.Open(WString(path))) return FailHere("the WAV file cannot be opened");
         if (FindChunks()) return true;
         file_.Close();
         return false;
@@ -79,8 +89,8 @@ bool WavInput::FindChunks() {
         if (Is(chunk.data(), "fmt ") && !TakeFormat(content, known)) return false;
         if (Is(chunk.data(), "data")) {
             if (channels_ == 0) return Fail("the WAV file has no format chunk before its data");
-            TakeData(at + 8, size == kNoSize ? (is_rf64 ? long_size : UINT64_MAX) : size);
-            return true;
+            const uint64_t bytes = size != kNoSize ? size : is_rf64 ? long_size : UINT64_MAX;
+            return bytes != 0 ? TakeData(at + 8, bytes) : TakeDataWithoutSize(at + 8);
         }
         at += 8 + uint64_t{size} + (size & 1);
     }
@@ -93,7 +103,13 @@ bool WavInput::TakeFormat(const uint8_t* chunk, size_t bytes) {
     const auto rate = LoadLittle<uint32_t>(chunk + 4);
     const auto block = LoadLittle<uint16_t>(chunk + 12);
     const auto bits = LoadLittle<uint16_t>(chunk + 14);
-    if (tag == kExtensible && bytes >= 26) tag = LoadLittle<uint16_t>(chunk + 24);
+    if (tag == kExtensible) {
+        if (bytes < 24 + sizeof kSubFormatEnd + 2 ||
+            std::memcmp(chunk + 26, kSubFormatEnd, sizeof kSubFormatEnd) != 0) {
+            return Fail("the WAV file is neither PCM nor float");
+        }
+        tag = LoadLittle<uint16_t>(chunk + 24);
+    }
     if (tag != kPcm && tag != kFloat) return Fail("the WAV file is neither PCM nor float");
     if (channels < 1 || channels > kMostChannels) return Fail("the WAV file must have 1 to 64 channels");
     if (rate == 0) return Fail("the WAV file has a sample rate of 0");
@@ -109,10 +125,21 @@ bool WavInput::TakeFormat(const uint8_t* chunk, size_t bytes) {
     return true;
 }
 
-void WavInput::TakeData(uint64_t offset, uint64_t bytes) noexcept {
+bool WavInput::TakeData(uint64_t offset, uint64_t bytes) noexcept {
     const uint64_t there = file_.Size() > offset ? file_.Size() - offset : 0;
     offset_ = offset;
     count_ = left_ = std::min(bytes, there) / (uint64_t{channels_} * sample_bytes_);
+    return true;
+}
+
+// Either there is no sound, or a recorder was cut off before it wrote the size: then what follows is no further chunk.
+bool WavInput::TakeDataWithoutSize(uint64_t offset) noexcept {
+    std::array<uint8_t, 8> next{};
+    const size_t got = file_.ReadAt(offset, next.data(), next.size());
+    const auto is_letter = [](uint8_t c) { return c >= ' ' && c <= '~'; };
+    const bool is_chunk = got == next.size() && std::all_of(next.begin(), next.begin() + 4, is_letter) &&
+                          LoadLittle<uint32_t>(next.data() + 4) <= file_.Size() - offset - next.size();
+    return TakeData(offset, is_chunk ? 0 : UINT64_MAX);
 }
 
 size_t WavInput::Read(int32_t* interleaved, size_t samples) noexcept {

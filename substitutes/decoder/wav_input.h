@@ -12,8 +12,8 @@
 namespace clipfio::decoder {
 
 // PCM of 16, 24 or 32 bits and 32-bit float, plain or extensible, RIFF or RF64, streamed: memory does not grow with the
-// file. A data chunk that says more than the file holds, or that a recorder left without a size, is read as far as the
-// file goes. One thread.
+// file. A data chunk that says more than the file holds, or that a recorder left without a size (all ones, or 0 with no
+// other chunk behind it), is read as far as the file goes. One thread.
 class WavInput {
   public:
     // False with a reason in Error(), in English, UTF-8.
@@ -33,9 +33,11 @@ class WavInput {
 
   private:
     [[nodiscard]] bool Fail(const char* text);
+    [[nodiscard]] bool FailHere(const char* what);
     [[nodiscard]] bool FindChunks();
     [[nodiscard]] bool TakeFormat(const uint8_t* chunk, size_t bytes);
-    void TakeData(uint64_t offset, uint64_t bytes) noexcept;
+    bool TakeData(uint64_t offset, uint64_t bytes) noexcept;
+    bool TakeDataWithoutSize(uint64_t offset) noexcept;
 
     InputFile file_;
     uint32_t rate_ = 0;

@@ -1,8 +1,10 @@
 """clipfio info: text, JSON, clips that fail."""
 
 import os
+import struct
 import subprocess
 import unittest
+import zlib
 
 from harness import COMMAND, TIMEOUT, CommandTest
 
@@ -71,6 +73,32 @@ class Info(CommandTest):
                 self.assertAlmostEqual(entry["video"]["frame_rate"], frame_rate, places=4)
                 self.assertEqual(entry["timecode"]["last"], last)
 
+    def test_channels_that_are_none(self):
+        """Sound of no channel that counts is no sound, and hides nothing of the pictures."""
+        self.sample("a.r3d", "--size", "32x16", "--frames", "3", "--channels", "1")
+        for mask in (0, 0x10):
+            with self.subTest(mask):
+                header = bytearray(self.read("a.r3d")[:512])
+                struct.pack_into("<I", header, 72, mask)
+                struct.pack_into("<I", header, 12, 0)
+                struct.pack_into("<I", header, 12, zlib.crc32(header))
+                self.write("b.r3d", bytes(header) + self.read("a.r3d")[512:])
+                (entry,) = self.clipfio("info", "b.r3d", "--json").json["files"]
+                video = entry["video"]
+                self.assertEqual((video["width"], video["height"], video["frames"], entry["audio"]), (32, 16, 3, None))
+                self.assertEqual(entry["duration"]["ticks"], 1250000)
+
+    def test_clip_without_frames(self):
+        self.sample("a.r3d", "--size", "16x16", "--frames", "1", "--channels", "0")
+        header = bytearray(self.read("a.r3d")[:512])
+        struct.pack_into("<Q", header, 32, 0)
+        struct.pack_into("<Q", header, 88, 512)
+        struct.pack_into("<I", header, 12, 0)
+        struct.pack_into("<I", header, 12, zlib.crc32(header))
+        self.write("b.r3d", bytes(header))
+        (entry,) = self.clipfio("info", "b.r3d", "--json").json["files"]
+        self.assertEqual((entry["video"]["frames"], entry["timecode"]), (0, None))
+
     def test_text(self):
         self.sample()
         result = self.clipfio("info", "a.r3d")
@@ -80,7 +108,8 @@ class Info(CommandTest):
             self.assertIn(part, result.out)
 
     def test_names_of_all_sorts(self):
-        for name in ["Übung für İstanbul.r3d", "映画.r3d", "with space.R3D", "-dash.r3d", "no extension"]:
+        for name in ["Übung für İstanbul.r3d", "映画.r3d", "with space.R3D", "-dash.r3d", "no extension",
+                     "[a.r3d]", "[a,b].r3d"]:
             with self.subTest(name):
                 self.clipfio("make-sample", "--size", "16x16", "--frames", "1", "--", name)
                 (entry,) = self.clipfio("info", "--json", "--", name).json["files"]
@@ -149,6 +178,14 @@ class Info(CommandTest):
                 for part in ["REDR3D-x64.dll was not found", "current folder", self.path("nothing")]:
                     self.assertIn(part, result.err)
         self.assertEqual(self.names(), ["a.r3d", "alone", "nothing"])
+
+    def test_decoder_that_does_not_load(self):
+        self.sample()
+        os.mkdir(self.path("bad"))
+        self.write("bad/REDR3D-x64.dll", b"no library")
+        env = {**self.env, "R3DSDKPATH": self.path("bad")}
+        error = self.clipfio("info", "a.r3d", env=env, expect=1, command=self.program_without_decoder()).err
+        self.assertIn(f"the decoder library {self.path('bad')}/REDR3D-x64.dll cannot be used", error)
 
     def test_reader_that_goes_away(self):
         self.sample()

@@ -25,7 +25,8 @@ class Making(CommandTest):
 
     def test_sample_lengths(self):
         for args, frames, samples in [((), 48, 96000), (("--frames", "5"), 5, 10000), (("--seconds", "0.5"), 12, 24000),
-                                      (("--seconds", "0.01"), 1, 2000), (("--frames", "30", "--rate", "29.97"), 30, 48048)]:
+                                      (("--seconds", "0.01"), 1, 2000),
+                                      (("--seconds", "1e-300"), 1, 2000), (("--frames", "1", "--rate", "1/10"), 1, 480000), (("--frames", "30", "--rate", "29.97"), 30, 48048)]:
             with self.subTest(args):
                 self.clipfio("make-sample", "a.r3d", "--size", "16x16", *args)
                 entry = self.entry("a.r3d")

@@ -21,7 +21,7 @@ class Pictures(CommandTest):
     def test_sizes(self):
         self.sample("a.r3d", "--size", "98x66", "--frames", "2")
         for scale, size in [("1", (98, 66)), ("0.5", (49, 33)), ("0.3", (49, 33)), ("0.25", (24, 16)),
-                            ("0.125", (12, 8)), ("0.0625", (6, 4))]:
+                            ("0.125", (12, 8)), ("0.0625", (6, 4)), ("0.0001", (6, 4)), ("1e-320", (6, 4))]:
             with self.subTest(scale):
                 result = self.clipfio("frame", "a.r3d", "1", "--scale", scale, "-o", "f.png")
                 self.assertEqual(result.out, "")
@@ -82,6 +82,34 @@ class Pictures(CommandTest):
                 self.assertIn(message, self.clipfio(*args, expect=1).err)
         self.assertIn("lies behind", self.clipfio("pipe", "a.r3d", "--from", "5", "--to", "4", expect=2).err)
         self.assertEqual(self.names(), ["a.r3d", "cut.r3d"])
+
+    def test_frames_by_their_timecode(self):
+        pixels = 16 * 16 * 3
+        for rate, first, names in [
+                ("24", "01:00:00:22", {"01:00:00:22": 0, "1:0:0:23": 1, "01:00:01:00": 2, "01:00:01:01": 3}),
+                ("25", "23:59:59:23", {"23:59:59:24": 1, "00:00:00:00": 2, "00:00:00:01": 3}),
+                ("29.97", "00:00:59;28", {"00:00:59:29": 1, "00:01:00;02": 2, "00:01:00:03": 3, "00:01:00:00": None}),
+                ("29.97", "00:00:59:28", {"00:00:59:29": 1, "00:01:00:00": 2, "00:01:00;01": 3, "00:01:00:02": None}),
+                ("59.94", "00:01:59;58", {"00:01:59;59": 1, "00:02:00;04": 2, "00:02:00;03": None}),
+                ("23.976", "10:00:00:00", {"10:00:00:03": 3, "10:00:00:04": None, "09:59:59:23": None})]:
+            self.clipfio("make-clip", "a.r3d", "--size", "16x16", "--rate", rate, "--timecode", first,
+                         stdin=b"".join(bytes([0, 50 * n] * pixels) for n in range(4)))
+            for name, frame in names.items():
+                with self.subTest((rate, first, name)):
+                    if frame is None:
+                        result = self.clipfio("pipe", "a.r3d", "--from", name, expect=1)
+                        self.assertIn(f"no frame {name}: the clip has frames {first.replace(';', ':')} to", result.err)
+                        continue
+                    raw = self.pipe("a.r3d", "--from", name, "--to", name)
+                    self.assertEqual(raw, self.pipe("a.r3d", "--from", frame, "--to", frame))
+                    self.assertNotEqual(raw, self.pipe("a.r3d", "--from", (frame + 1) % 4, "--to", (frame + 1) % 4))
+        self.clipfio("frame", "a.r3d", "10:00:00:02")
+        self.clipfio("frame", "a.r3d", "2", "-o", "two.png")
+        self.assertEqual(self.read("a-2.png"), self.read("two.png"))
+        self.clipfio("export", "a.r3d", "d", "--from", "10:00:00:01", "--to", "2")
+        self.assertEqual(self.names("d"), ["000001.png", "000002.png"])
+        self.assertIn("lies behind", self.clipfio("export", "a.r3d", "d", "--from", "10:00:00:03", "--to", "1",
+                                                  expect=2).err)
 
     def test_outputs_that_cannot_be_written(self):
         self.sample()
@@ -183,6 +211,19 @@ class Pictures(CommandTest):
         self.assertIn("100%", shown)
         self.assertIn("12 of 12 frames", shown.split("\033[K")[-1])
 
+    def test_the_bar_goes_before_the_closing_line(self):
+        self.sample()
+        for args in [("make-sample", "b.r3d", "--size", "16x16"), ("sheet", "a.r3d", "-o", "s.png"),
+                     ("audio", "a.r3d", "-o", "s.wav"), ("waveform", "a.r3d", "-o", "w.png"), ("export", "a.r3d", "d")]:
+            with self.subTest(args[0]):
+                terminal, screen = os.openpty()
+                subprocess.run([*COMMAND, *args], stderr=screen, cwd=self.folder, env=self.env, timeout=TIMEOUT,
+                               check=True)
+                os.close(screen)
+                shown = os.read(terminal, 100000).decode()
+                os.close(terminal)
+                self.assertRegex(shown, r"\r\033\[Kclipfio: [^\033]*\n$")
+
     def test_sheet(self):
         self.sample()
         cell = (64 + 8, 42 + 22 + 8)
@@ -190,6 +231,14 @@ class Pictures(CommandTest):
             with self.subTest(frames):
                 self.clipfio("sheet", "a.r3d", "-o", "s.png", "--frames", frames, "--width", "64")
                 self.assertEqual(self.png("s.png")[:3], (columns * cell[0] + 8, rows * cell[1] + 8, 8))
+        # A clip that is almost all width, and a sheet that no PNG holds, which is said before the work.
+        self.sample("wide.r3d", "--size", "1280x3", "--frames", "1")
+        self.clipfio("sheet", "wide.r3d", "-o", "s.png", "--frames", "1", "--width", "64")
+        self.assertEqual(self.png("s.png")[:2], (80, 1 + 22 + 16))
+        self.sample("long.r3d", "--size", "64x64", "--frames", "400", "--channels", "0")
+        self.assertIn("too large", self.clipfio("sheet", "long.r3d", "-o", "x.png", "--frames", "400", "--width", "2048",
+                                                expect=1).err)
+        self.clipfio("sheet", "a.r3d", "-o", "s.png", "--frames", "400", "--width", "64")
         # Another look gives another sheet.
         before = self.read("s.png")
         self.clipfio("settings", "a.r3d", "--set", "Saturation=0")

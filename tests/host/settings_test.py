@@ -66,11 +66,36 @@ class Settings(CommandTest):
                     self.clipfio("settings", "a.r3d", "--set", f"{key}={value}")
                     self.assertEqual(self.values()[key], value)
 
+    def test_defaults_are_values_too(self):
+        for key, value in [("ImageGammaCurve", 12), ("ImageColorSpace", 11), ("ColorVersion", 3)]:
+            with self.subTest(key):
+                self.clipfio("settings", "a.r3d", "--set", f"{key}=1")
+                self.clipfio("settings", "a.r3d", "--set", f"{key}={value}")
+                self.assertEqual(self.values()[key], value)
+
+    def test_the_file_is_named_as_the_module_names_it(self):
+        os.mkdir(self.path("d.d"))
+        for clip, file in [(".r3d", ".KtDecProp"), ("d.d/noext", "d.KtDecProp"), ("d.d/b.r3d", "d.d/b.KtDecProp"),
+                           ("a.r3d ", "a.r3d .KtDecProp"), ("a.b.c", "a.b.KtDecProp"), ("plain", "plain.KtDecProp")]:
+            with self.subTest(clip):
+                self.another(clip)
+                (entry,) = self.entries(clip, "--set", "Tint=5")
+                self.assertEqual((entry["written"], entry["settings"]["source"], entry["settings"]["file"]),
+                                 (True, "file", file))
+                self.assertTrue(os.path.isfile(self.path(file)))
+                os.remove(self.path(file))
+        # A clip is not taken for its own settings file.
+        clip = self.another("x.KtDecProp")
+        before = self.read(clip)
+        self.clipfio("settings", clip, "--set", "Tint=5", expect=1)
+        self.assertEqual(self.read(clip), before)
+
     def test_nonsense(self):
         for args, message in [(["--set", "tint=0"], "did you mean Tint?"), (["--set", "Unheard=0"], "no setting 'Unheard'"),
                               (["--unset", "UserCurve[10]"], "no setting"), (["--set", "Tint=100.5"], "-100 to 100"),
                               (["--set", "Tint=1,5"], "'1,5'"), (["--set", "Tint="], "''"), (["--set", "Tint=nan"], "nan"),
-                              (["--set", "Tint=5x"], "5x"), (["--set", "ImageISO=321"], "320, 400"),
+                              (["--set", "Tint=5x"], "5x"), (["--set", "Saturation=4.0000001"], "0 to 4"), (["--set", "ImageISO=321"], "320, 400"),
+                              (["--set", "ImageGammaCurve=13"], "12 (the default)"),
                               (["--set", "ImageDenoise=7"], "6 (Maximum)"), (["--set", "DEB=2"], "0 or 1"),
                               (["--set", "Tint=1", "--unset", "Tint"], "both set and unset")]:
             with self.subTest(args):
@@ -116,6 +141,8 @@ class Settings(CommandTest):
         for clip in (target, "a.r3d"):
             self.assertEqual(self.values(clip), self.values(source))
         self.assertIn("gone.r3d", self.clipfio("settings", target, "--copy-from", "gone.r3d", expect=1).err)
+        entries = self.entries(target, "a.r3d", "--copy-from", "gone.r3d", expect=1)
+        self.assertEqual([entry["error"] for entry in entries], ["gone.r3d: there is no such file"] * 2)
         # Also from a clip that has no file.
         self.clipfio("settings", source, "--reset")
         self.clipfio("settings", target, "--copy-from", source)

@@ -40,6 +40,7 @@ class Sound(CommandTest):
         self.assertEqual(read_wav(self.read("part.wav"))[3], everything[-18:])
         for args in [("--from", total + 1), ("--from", total - 1, "--count", 2), ("--count", total + 1)]:
             with self.subTest(args):
+                self.assertNotIn("there are not", self.clipfio("audio", "a.r3d", *args, expect=1).err)
                 self.assertIn(f"has {total} samples", self.clipfio("audio", "a.r3d", *args, expect=1).err)
 
     def test_clips_without_their_sound(self):
@@ -64,6 +65,14 @@ class Sound(CommandTest):
         self.assertEqual(sum(colour == middle_left for colour in column[:40]), 18)
         self.assertEqual(sum(colour == middle_right for colour in column[40:]), 1)
         self.assertNotIn(background, (middle_left, middle_right))
+        # Sound that reaches full scale, up or down, with 16 bits or more, has another colour.
+        for bits, sample, red in [(16, 32767, True), (32, 2**31 - 1, True), (16, -32768, True), (16, 32766, False)]:
+            with self.subTest((bits, sample)):
+                self.clip_with(1, [sample, 0] * 2000, bits)
+                self.clipfio("waveform", "s.r3d", "-o", "w.png", "--size", "40x80")
+                rows = read_png(self.read("w.png"))[4]
+                self.assertEqual(any(tuple(row[60:63]) == (230, 80, 60) for row in rows), red)
+        self.clip_with(2, [loud, silent] * 2000)
         self.clipfio("waveform", "s.r3d", "-o", "w.png")
         self.assertEqual(read_png(self.read("w.png"))[:2], (1200, 320))
 

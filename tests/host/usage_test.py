@@ -1,8 +1,9 @@
 """Versions, help and command lines that make no sense."""
 
+import subprocess
 import unittest
 
-from harness import CommandTest
+from harness import COMMAND, TIMEOUT, CommandTest
 
 COMMANDS = ["info", "frame", "export", "pipe", "audio", "waveform", "sheet", "settings", "make-sample", "make-clip"]
 
@@ -17,9 +18,14 @@ NONSENSE = [
     (["frame", "a.r3d", "x"], "'x'"),
     (["frame", "a.r3d", "-1"], "-1"),
     (["frame", "a.r3d", "1.5"], "'1.5'"),
+    (["frame", "a.r3d", "01:00:00"], "timecode"),
+    (["frame", "a.r3d", "01:00:00:00:00"], "timecode"),
+    (["frame", "a.r3d", "01:00:00:x"], "timecode"),
+    (["pipe", "a.r3d", "--from", "01:00;00,00"], "--from"),
     (["frame", "a.r3d", "99999999999999999999"], "99999999999999999999"),
     (["frame", "a.r3d", "0", "--bits", "48"], "--bits"),
     (["frame", "a.r3d", "0", "-o", "x.pfm"], "--bits 128"),
+    (["frame", "a.r3d", "0", "--gamma", "1"], "--bits 128"),
     (["frame", "a.r3d", "0", "--scale", "0"], "--scale"),
     (["frame", "a.r3d", "0", "--scale", "1.5"], "--scale"),
     (["frame", "a.r3d", "0", "--scale", "nan"], "--scale"),
@@ -30,11 +36,16 @@ NONSENSE = [
     (["waveform", "a.r3d", "-o", "x.png", "--size", "10"], "--size"),
     (["settings"], "clip"),
     (["settings", "a.r3d", "--set", "Tint"], "Key=Value"),
+    (["settings", "--keys", "a.r3d"], "--keys"),
+    (["settings", "--keys", "--json"], "--keys"),
+    (["settings", "--keys", "--reset"], "--keys"),
     (["settings", "a.r3d", "--copy-from", "b.r3d", "--reset"], "--copy-from"),
     (["make-sample", "x.r3d", "--size", "0x10"], "--size"),
     (["make-sample", "x.r3d", "--size", "20000x10"], "16384"),
     (["make-sample", "x.r3d", "--rate", "0"], "--rate"),
     (["make-sample", "x.r3d", "--rate", "24/0"], "--rate"),
+    (["make-sample", "x.r3d", "--rate", "1001"], "--rate"),
+    (["make-sample", "x.r3d", "--rate", "1000001/1000"], "--rate"),
     (["make-sample", "x.r3d", "--channels", "5"], "--channels"),
     (["make-sample", "x.r3d", "--frames", "5", "--seconds", "1"], "--seconds"),
     (["make-clip", "x.r3d", "--size", "8x8"], "--rate"),
@@ -42,6 +53,7 @@ NONSENSE = [
     (["make-clip", "x.r3d", "--size", "8x8", "--rate", "24", "--timecode", "01:00:00:24"], "--timecode"),
     (["make-clip", "x.r3d", "--size", "8x8", "--rate", "24", "--timecode", "01:00:00;00"], "drop-frame"),
     (["make-clip", "x.r3d", "--size", "8x8", "--rate", "29.97", "--timecode", "00:01:00;00"], "leaves"),
+    (["make-clip", "x.r3d", "--size", "8x8", "--rate", "29.97", "--timecode", "1;2:3:4"], "--timecode"),
 ]
 
 
@@ -59,6 +71,14 @@ class Usage(CommandTest):
                 result = self.clipfio(command, "--help")
                 self.assertIn("Options:", result.out)
                 self.assertEqual(result.err, "")
+
+    def test_help_that_cannot_be_written(self):
+        for args in (["--help"], ["--version"], ["info", "--help"]):
+            with self.subTest(args), open("/dev/full", "wb") as full:
+                done = subprocess.run([*COMMAND, *args], stdout=full, stderr=subprocess.PIPE, env=self.env,
+                                      timeout=TIMEOUT, check=False)
+                self.assertEqual(done.returncode, 1)
+                self.assertIn(b"cannot write to standard output", done.stderr)
 
     def test_nonsense_is_status_2_and_touches_nothing(self):
         self.sample()

@@ -1,5 +1,6 @@
 // The language context over the built module's own resources.
 #include "kernel/lang.h"
+#include "kernel/lang_resources.h"
 
 #include <gtest/gtest.h>
 

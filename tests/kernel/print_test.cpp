@@ -3,32 +3,28 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <limits>
+#include <vector>
 
-#include "platform/locale.h"
+#include "kernel/print_tokens.h"
 #include "platform/text.h"
-#include "support/scoped_variable.h"
+#include "support/in_locale.h"
 
 namespace {
 
+using support::InLocale;
+
+constexpr HRESULT kSmall = static_cast<HRESULT>(0x8004E03Cu);
+constexpr HRESULT kCut = static_cast<HRESULT>(0x8007007Au);
+
 template <class... Arguments>
 std::string Printed(const WCHAR* format, Arguments... arguments) {
-    WCHAR text[600];
-    const int32_t length = KtPrintF(text, format, arguments...);
-    EXPECT_EQ(static_cast<std::size_t>(length), WStringView(text).size());
-    return platform::Utf8(text);
+    std::vector<WCHAR> text(20000, W('~'));
+    const int32_t length = KtPrintF(text.data(), format, arguments...);
+    EXPECT_EQ(static_cast<std::size_t>(length), WStringView(text.data()).size());
+    return platform::Utf8(text.data());
 }
-
-// On Windows the user's locale is what it is: these need the one that is asked for.
-class InLocale : public support::ScopedVariable {
-  public:
-    explicit InLocale(LCID lcid)
-        : ScopedVariable(W("KT_LCID"), platform::Wide(std::to_string(lcid)).c_str()), lcid_(lcid) {}
-    [[nodiscard]] bool IsSet() const { return GetUserDefaultLCID() == lcid_; }
-
-  private:
-    LCID lcid_;
-};
 
 TEST(Print, ConvertsAsTheRuntimeDoes) {
     struct Row {
@@ -38,44 +34,64 @@ TEST(Print, ConvertsAsTheRuntimeDoes) {
     };
     const Row kRows[] = {
         {W("%d"), 1234567, "1234567"},
+        {W("%d"), 0, "0"},
         {W("%d"), std::numeric_limits<int32_t>::min(), "-2147483648"},
         {W("%i"), -1, "-1"},
         {W("%u"), -1, "4294967295"},
         {W("%ld"), -5, "-5"},
         {W("%hd"), 0x12345, "9029"},
         {W("%I32d"), -7, "-7"},
+        {W("%I32x"), -1, "ffffffff"},
+        {W("%o"), 8, "10"},
         {W("%x"), 0xBEEF, "beef"},
         {W("%X"), 0xBEEF, "BEEF"},
         {W("$x"), 0x12345678, "12345678"},  // never grouped
+        {W("$o"), 01234567, "1234567"},
         {W("%08X"), 0xBEEF, "0000BEEF"},
+        {W("%#x"), 0xBEEF, "0xbeef"},
         {W("%5d|"), 42, "   42|"},
         {W("%-5d|"), 42, "42   |"},
         {W("%+d"), 42, "+42"},
         {W("%.4d"), 42, "0042"},
         {W("a%cb"), 'Z', "aZb"},
         {W("%3c|"), 'Z', "  Z|"},
+        {W("%c|"), 0, "|"},
         {W("100%%"), 0, "100%"},
         {W("$$5.00"), 0, "$5.00"},
         {W(""), 0, ""},
         {W("plain"), 0, "plain"},
         {W("abc$"), 0, "abc%"},
         {W("%"), 0, "%"},
+        {W("$-12l"), 0, "%-12l"},
+        {W("50% of"), 8, "5010f"},  // a conversion with a blank flag, which an octal number does not heed
         {W("50% by way"), 0, "50% by way"},
         {W("%%%%$$"), 0, "%%$"},
         {W("%d%%d"), 3, "3%d"},
+        {W("%kd"), 3, "kd"},       // the runtime's answer to a letter that it does not know
+        {W("%S %d"), 3, "%S %d"},  // letters that would take the number for an address
+        {W("%nd"), 3, "%nd"},
+        {W("$-3pd|"), 3, "$-3pd|"},
+        {W("%y%Sd"), 3, "%y%Sd"},
+        {W("%z"), -1234, "-1234"},
+        {W("%6z|"), 1234, "  1234|"},
     };
     for (const Row& row : kRows) EXPECT_EQ(Printed(row.format, row.argument), row.text) << row.text;
     EXPECT_EQ(Printed(W("%s and %s"), W("one"), W("")), "one and ");
     EXPECT_EQ(Printed(W("%5s|%-4s|%.2s"), W("abc"), W("d"), W("xyz")), "  abc|d   |xy");
+    EXPECT_EQ(Printed(W("%s"), static_cast<const WCHAR*>(nullptr)), "(null)");
     EXPECT_EQ(Printed(W("%I64d"), int64_t{-1234567890123}), "-1234567890123");
+    EXPECT_EQ(Printed(W("%Id"), int64_t{1234567890123}), "1234567890123");
     EXPECT_EQ(Printed(W("%I64u"), std::numeric_limits<uint64_t>::max()), "18446744073709551615");
     EXPECT_EQ(Printed(W("%I64X"), uint64_t{0x123456789ABC}), "123456789ABC");
     EXPECT_EQ(Printed(W("%dx%dx%d"), 1920, 1080, 48), "1920x1080x48");
+    EXPECT_EQ(Printed(W("%e|$e"), 1.5, 1.5), "1.500000e+000|1.500000e+000");
+    EXPECT_EQ(Printed(W("%.1f|%g|%G"), 2.26, 0.5, 1e-10), "2.3|0.5|1E-010");
+    EXPECT_EQ(Printed(W("%f"), std::numeric_limits<double>::infinity()), "1.#INF00");
     const WString long_text(500, W('y'));
     EXPECT_EQ(Printed(W("%s"), long_text.c_str()), std::string(500, 'y'));
 }
 
-TEST(Print, GroupsAsTheUsersLocaleDoes) {
+TEST(Print, WritesNumbersAsTheUsersLocaleDoes) {
     struct Row {
         LCID lcid;
         const WCHAR* format;
@@ -84,63 +100,194 @@ TEST(Print, GroupsAsTheUsersLocaleDoes) {
     };
     const Row kRows[] = {
         {0x0409, W("$d"), 1234567, "1,234,567"},
-        {0x0409, W("$d"), -1234567, "-1,234,567"},
+        {0x0409, W("$i"), -1234567, "-1,234,567"},
         {0x0409, W("$d"), 123, "123"},
         {0x0409, W("$d"), -123, "-123"},
         {0x0409, W("$d"), 0, "0"},
         {0x0409, W("$u Hz"), 44100, "44,100 Hz"},
         {0x0409, W("$ld Hz"), 48000, "48,000 Hz"},
         {0x0409, W("$10d|"), 12345, "     12,345|"},
+        {0x0409, W("$-8d|"), 12345, "12,345   |"},
         {0x0409, W("$010d"), 12345, "0000012,345"},  // padding stays as the width gave it
+        {0x0409, W("$+d"), 12345, "+12,345"},
         {0x0409, W("$I64d"), 1234567890123, "1,234,567,890,123"},
+        {0x0409, W("$z"), 12345, "12,345"},
+        {0x0409, W("$.1z"), 12345, "1,234.5"},
+        {0x0409, W("%.1z"), 12345, "1234.5"},
+        {0x0409, W("$.2z"), 5, "0.05"},
+        {0x0409, W("$.2z"), -5, "-0.05"},
+        {0x0409, W("$.0z"), 5, "5"},
+        {0x0409, W("$.16z"), 5, "0.0000000000000005"},
+        {0x0407, W("%.2z"), 123456, "1234,56"},
         {0x0407, W("$d"), 1234567, "1.234.567"},
         {0x040C, W("$d"), 1234567, "1\u00A0234\u00A0567"},
+        {0x0411, W("$d"), 1234567, "1,234,567"},
+        {0x0416, W("$d"), 1234567, "1.234.567"},
         {0x0439, W("$d"), 12345678, "12,345,678"},  // the first group's size for all
         {0x0409, W("$,|$:|$*"), 0, ",|:|."},
         {0x0407, W("%,|%:|%*"), 0, ";|:|,"},
         {0x040B, W("$:"), 0, "."},
+        {0x0409, W("$*d"), 0, ".d"},
+        {0x0409, W("%!:$!.%!,"), 0, ":.,"},
+        {0x0409, W("%&:$&."), 0, ".."},
+        {0x0409, W("$!x|%&,|%!"), 0, "x|,|"},  // what chooses nothing is text
+        {0x0409, W("$(1234567.5)|$(-5)|$(.5)|$(0012)"), 0, "1,234,567.5|-5|0.5|0012"},
+        {0x0407, W("$(1234567.5)"), 0, "1.234.567,5"},
+        {0x0409, W("$(1,234)|$(-)|$(1.2.3)"), 0, "1,234|-|1.2.3"},
+        {0x0409, W("$(12"), 0, "$(12"},
+        {0x0409, W("$(12x)"), 0, "$(12x)"},
+        {0x0409, W("$(1-$d)"), 7, "$(1-7)"},
     };
     for (const Row& row : kRows) {
         const InLocale locale(row.lcid);
         if (!locale.IsSet()) continue;
         EXPECT_EQ(Printed(row.format, row.argument), row.text) << std::hex << row.lcid;
     }
-}
-
-TEST(Print, KeepsToTheSize) {
-    const InLocale locale(0x0409);
-    struct Row {
+    struct FloatRow {
+        LCID lcid;
         const WCHAR* format;
-        uint32_t size;
-        int32_t argument;
-        HRESULT result;
+        double argument;
         const char* text;
     };
-    constexpr HRESULT kSmall = static_cast<HRESULT>(0x8004E03Cu);
-    const Row kRows[] = {
-        {W("abcdefgh"), 5, 0, S_OK, "abcd"},       {W("%d"), 5, 1234567, kSmall, "1234"},
-        {W("%d"), 8, 1234567, S_OK, "1234567"},    {W("%d"), 1, 1234567, S_OK, ""},
-        {W("$d"), 10, 1234567, S_OK, "1,234,567"}, {W("$d"), 9, 1234567, kSmall, "1234567"},
-        {W("$d"), 5, 1234567, kSmall, "1234"},     {W("%5d"), 4, 7, S_OK, "   "},
-        {W("%x"), 3, 0xABCD, S_OK, "ab"},          {W("%%%%"), 2, 0, S_OK, "%"},
-        {W("%d and more"), 4, 12, S_OK, "12 "},    {W("%:%:"), 2, 0, S_OK, ":"},
+    const FloatRow kFloats[] = {
+        {0x0409, W("$.2f"), 1234.5, "1,234.50"},
+        {0x0409, W("$.2f"), -1234.5, "-1,234.50"},
+        {0x0409, W("$f"), 1234567.25, "1,234,567.250000"},
+        {0x0409, W("$8.2f"), 1.5, "    1.50"},
+        {0x0409, W("$.0f"), 1234.6, "1,235"},
+        {0x0407, W("$.2f"), 1234.5, "1.234,50"},
+        {0x0407, W("%.2f"), 1234.5, "1234.50"},
+        {0x0407, W("$g"), 1.5, "1,5"},
+        {0x0407, W("$g"), 123456.0, "123456"},
+        {0x0407, W("$g"), 1e30, "1e+030"},
+        {0x0407, W("$e"), 1.5, "1.500000e+000"},
+        {0x0409, W("$f"), std::numeric_limits<double>::infinity(), "1.#INF00"},
+        {0x0409, W("$g"), -std::numeric_limits<double>::infinity(), "-1.#INF"},
     };
-    for (const Row& row : kRows) {
-        WCHAR text[20];
-        std::fill_n(text, 20, W('~'));
-        uint32_t length = 99;
-        EXPECT_EQ(KtCchPrintF(text, row.size, &length, row.format, row.argument), row.result) << row.text;
-        EXPECT_EQ(platform::Utf8(text), row.text);
-        EXPECT_EQ(length, std::string_view(row.text).size());
-        EXPECT_EQ(text[row.size], W('~'));
+    for (const FloatRow& row : kFloats) {
+        const InLocale locale(row.lcid);
+        if (!locale.IsSet()) continue;
+        EXPECT_EQ(Printed(row.format, row.argument), row.text) << row.text;
     }
+}
+
+TEST(Print, PutsTokensInThePlaceOfTheirNames) {
+    EXPECT_EQ(KtPrintF_AddToken(W("Print.Test"), W("value %d $(Print.Test)")), 1);
+    EXPECT_EQ(Printed(W("<$(Print.Test)>")), "<value %d $(Print.Test)>");
+    EXPECT_EQ(Printed(W("$(print.TEST)")), "value %d $(Print.Test)");
+    EXPECT_EQ(KtPrintF_AddToken(W("PRINT.TEST"), W("")), 1);
+    EXPECT_EQ(Printed(W("<$(Print.Test)>")), "<>");
+    EXPECT_EQ(KtPrintF_DeleteToken(W("print.test")), 1);
+    EXPECT_EQ(KtPrintF_DeleteToken(W("print.test")), 0);
+    EXPECT_EQ(Printed(W("<$(Print.Test)>")), "<$(Print.Test)>");
+    EXPECT_EQ(Printed(W("$(NoSuchToken)$()%(l")), "$(NoSuchToken)$()%(l");
+    EXPECT_EQ(Printed(W("$(NoClose")), "$(NoClose");
+    EXPECT_EQ(KtPrintF_AddToken(nullptr, W("x")), 0);
+    EXPECT_EQ(KtPrintF_AddToken(W("x"), nullptr), 0);
+    EXPECT_EQ(KtPrintF_DeleteToken(nullptr), 0);
+    // Many, in an order of their own, each found again.
+    const auto name = [](int i) { return W("t") + platform::Wide(std::to_string(i * 7919 % 100)); };
+    for (int i = 0; i < 100; ++i) EXPECT_EQ(KtPrintF_AddToken(name(i).c_str(), name(i).c_str()), 1);
+    for (int i = 0; i < 100; ++i) {
+        EXPECT_EQ(Printed((W("$(") + name(i) + W(")")).c_str()), platform::Utf8(name(i)));
+        EXPECT_EQ(KtPrintF_DeleteToken(name(i).c_str()), 1);
+    }
+}
+
+TEST(Print, KeepsToTheLimitsOfItsParts) {
+    const InLocale locale(0x0409);
+    EXPECT_EQ(Printed(W("%1000000d"), 7), std::string(260, ' '));
+    EXPECT_EQ(Printed(W("%300d|"), 7), std::string(260, ' ') + "|");
+    EXPECT_EQ(Printed(W("$.300z"), 7).size(), 260u);
+    EXPECT_EQ(Printed(W("%1000000s"), W("x")), std::string(1024, ' '));
+    const WString very_long(5000, W('y'));
+    EXPECT_EQ(Printed(W("%s"), very_long.c_str()), std::string(1024, 'y'));
+    EXPECT_EQ(Printed(W("%f"), 1e300).size(), 260u);
+    EXPECT_EQ(Printed(W("$.9f"), 1e300).size(), 260u + 86);
+    // A conversion that has no end goes on as text where the limit was; so does a name.
+    const std::string stars(10000, '.');
+    EXPECT_EQ(Printed((W("%") + platform::Wide(stars) + W("d")).c_str(), 7), "%" + stars + "d");
+    EXPECT_EQ(Printed((W("$(x") + platform::Wide(stars) + W(")")).c_str()), "$(x" + stars + ")");
+    EXPECT_EQ(Printed((W("$(1") + platform::Wide(stars) + W(")")).c_str()), "$(1" + stars + ")");
+    const WString name(260, W('n'));
+    EXPECT_EQ(KtPrintF_AddToken(name.c_str(), W("long")), 1);
+    EXPECT_EQ(Printed((W("$(") + name + W(")")).c_str()), "long");
+    EXPECT_EQ(KtPrintF_DeleteToken(name.c_str()), 1);
+    EXPECT_EQ(KtPrintF(nullptr, W("x")), 0);
+    WCHAR text[2] = {W('x'), 0};
+    EXPECT_EQ(KtPrintF(text, nullptr), 0);
+    EXPECT_EQ(text[0], 0);
+}
+
+template <class... Arguments>
+void ExpectBounded(uint32_t size, HRESULT result, const char* expected, const WCHAR* format, Arguments... arguments) {
+    SCOPED_TRACE(platform::Utf8(format) + " into " + std::to_string(size));
+    WCHAR text[40];
+    std::fill_n(text, 40, W('~'));
+    uint32_t length = 99;
+    EXPECT_EQ(static_cast<uint32_t>(KtCchPrintF(text, size, &length, format, arguments...)),
+              static_cast<uint32_t>(result));
+    EXPECT_EQ(platform::Utf8(text), expected);
+    EXPECT_EQ(length, std::string_view(expected).size());
+    EXPECT_EQ(text[size], W('~'));
+}
+
+TEST(Print, SaysWhatBecameOfEachElementWhenTheRoomIsShort) {
+    const InLocale locale(0x0409);
+    ASSERT_EQ(KtPrintF_AddToken(W("Room"), W("abcdef")), 1);
+    // Literal text is cut and not reported.
+    ExpectBounded(5, S_OK, "abcd", W("abcdefgh"));
+    ExpectBounded(2, S_OK, "%", W("%%%%"));
+    ExpectBounded(2, S_OK, "$", W("$$$$"));
+    ExpectBounded(1, S_OK, "", W("abc"));
+    ExpectBounded(4, S_OK, "12 ", W("%d and more"), 12);
+    // Tokens, known and unknown; what is not closed.
+    ExpectBounded(4, S_OK, "abc", W("$(Room)"));
+    ExpectBounded(8, kSmall, "", W("$(Rome)"));
+    ExpectBounded(9, S_OK, "$(Rome)", W("$(Rome)"));
+    ExpectBounded(8, kSmall, "x", W("$(Rome)x"));
+    ExpectBounded(8, S_OK, "7", W("$(Rome)%d"), 7);
+    ExpectBounded(8, kSmall, "", W("$(Ro me"));
+    ExpectBounded(4, kSmall, "", W("$(12"));
+    ExpectBounded(8, S_OK, "$(12", W("$(12"));
+    // A literal number, a number by the short way, a grouped one, one by the runtime.
+    ExpectBounded(6, kSmall, "12345", W("$(1234567.5)"));
+    ExpectBounded(6, S_OK, "1,234", W("$(1234)"));
+    ExpectBounded(5, kSmall, "1234", W("$(1234)"));
+    ExpectBounded(5, kSmall, "1234", W("%d"), 1234567);
+    ExpectBounded(8, S_OK, "1234567", W("%d"), 1234567);
+    ExpectBounded(1, S_OK, "", W("%d"), 1234567);
+    ExpectBounded(10, S_OK, "1,234,567", W("$d"), 1234567);
+    ExpectBounded(9, kSmall, "1234567", W("$d"), 1234567);
+    ExpectBounded(5, kSmall, "1234", W("$u"), 1234567);
+    ExpectBounded(7, kSmall, "1234.5", W("$.2f"), 1234.5);
+    ExpectBounded(9, S_OK, "1,234.50", W("$.2f"), 1234.5);
+    ExpectBounded(6, kSmall, "1234.", W("$.1z"), 12345);
+    ExpectBounded(4, S_OK, "   ", W("%5d"), 7);
+    ExpectBounded(3, S_OK, "ab", W("%x"), 0xABCD);
+    ExpectBounded(4, S_OK, "123", W("%.2f"), 1234.5);
+    ExpectBounded(3, S_OK, "1.", W("$e"), 1.5);
+    // Characters and texts, and separators.
+    ExpectBounded(5, kCut, "abcd", W("%s"), W("abcdefgh"));
+    ExpectBounded(5, S_OK, "abcd", W("%s"), W("abcd"));
+    ExpectBounded(5, kCut, "  ab", W("%6s"), W("abcd"));
+    ExpectBounded(5, S_OK, "  ab", W("%4.2s"), W("abcd"));
+    ExpectBounded(5, kCut, "    ", W("%5c"), 'x');
+    ExpectBounded(5, kCut, "(nul", W("%s"), static_cast<const WCHAR*>(nullptr));
+    ExpectBounded(5, kCut, "    ", W("%1000000s"), W("x"));
+    ExpectBounded(2, S_OK, ":", W("%:%:"));
+    ExpectBounded(2, S_OK, "%", W("$"));
+    EXPECT_EQ(KtPrintF_DeleteToken(W("Room")), 1);
+
     WCHAR text[5];
-    EXPECT_EQ(KtCchPrintF(text, 5, nullptr, W("%s"), W("abcdefgh")), static_cast<HRESULT>(0x8007007Au));
-    EXPECT_EQ(WStringView(text), W("abcd"));
     uint32_t length = 99;
     EXPECT_EQ(KtCchPrintF(nullptr, 5, &length, W("x")), E_INVALIDARG);
     EXPECT_EQ(length, 0u);
     EXPECT_EQ(KtCchPrintF(text, 0, &length, W("x")), E_INVALIDARG);
+    EXPECT_EQ(KtCchPrintF(text, 5, nullptr, nullptr), E_INVALIDARG);
+    EXPECT_EQ(text[0], 0);
+    EXPECT_EQ(KtCchPrintF(text, 5, nullptr, W("%s"), W("abcd")), S_OK);
+    EXPECT_EQ(KtCchPrintF(text, 0xFFFFFFFF, nullptr, W("%-2s"), W("a")), E_INVALIDARG);
 }
 
 }  // namespace

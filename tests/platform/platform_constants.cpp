@@ -8,9 +8,11 @@
 #include "platform/memory.h"
 #include "platform/modules.h"
 #include "platform/process.h"
+#include "platform/registry.h"
 #include "platform/resources.h"
 #include "platform/sync.h"
 #include "platform/text.h"
+#include "platform/window.h"
 
 static_assert(sizeof(WCHAR) == 2 && sizeof(BYTE) == 1 && sizeof(WORD) == 2 && sizeof(DWORD) == 4 && sizeof(LONG) == 4);
 static_assert(sizeof(ULONG) == 4 && sizeof(UINT) == 4 && sizeof(INT) == 4 && sizeof(BOOL) == 4);
@@ -54,6 +56,9 @@ static_assert(ERROR_NEGATIVE_SEEK == 131 && ERROR_ALREADY_EXISTS == 183 && ERROR
 static_assert(ERROR_ENVVAR_NOT_FOUND == 203 && ERROR_FILENAME_EXCED_RANGE == 206 && ERROR_NOT_OWNER == 288);
 static_assert(ERROR_PARTIAL_COPY == 299 && ERROR_INVALID_ADDRESS == 487 && ERROR_NOACCESS == 998);
 static_assert(ERROR_NO_UNICODE_TRANSLATION == 1113 && ERROR_INTERNAL_ERROR == 1359);
+static_assert(ERROR_BAD_PATHNAME == 161 && ERROR_BUSY == 170 && ERROR_MORE_DATA == 234 && ERROR_NO_MORE_ITEMS == 259);
+static_assert(ERROR_BADKEY == 1010 && ERROR_CANTOPEN == 1011 && ERROR_REGISTRY_CORRUPT == 1015);
+static_assert(ERROR_REGISTRY_IO_FAILED == 1016 && ERROR_KEY_DELETED == 1018);
 static_assert(ERROR_RESOURCE_TYPE_NOT_FOUND == 1813 && ERROR_RESOURCE_NAME_NOT_FOUND == 1814 &&
               ERROR_RESOURCE_LANG_NOT_FOUND == 1815);
 
@@ -76,4 +81,33 @@ static_assert(STARTF_USESTDHANDLES == 0x100 && HANDLE_FLAG_INHERIT == 1 && STILL
 static_assert(STGM_READ == 0 && STGM_WRITE == 1 && STGM_READWRITE == 2 && STGM_CREATE == 0x1000);
 static_assert(STREAM_SEEK_SET == 0 && STREAM_SEEK_CUR == 1 && STREAM_SEEK_END == 2);
 static_assert(CP_ACP == 0 && CP_UTF8 == 65001 && MB_PRECOMPOSED == 1 && MB_ERR_INVALID_CHARS == 8);
-static_assert(LOCALE_USER_DEFAULT == 0x0400);
+static_assert(LOCALE_USER_DEFAULT == 0x0400 && LOCALE_SYSTEM_DEFAULT == 0x0800 && LOCALE_INVARIANT == 0x7F);
+static_assert(LOCALE_ILANGUAGE == 1 && LOCALE_SLANGUAGE == 2 && LOCALE_SABBREVLANGNAME == 3 && LOCALE_ICOUNTRY == 5);
+static_assert(LOCALE_SCOUNTRY == 6 && LOCALE_SLIST == 0xC && LOCALE_IMEASURE == 0xD && LOCALE_SDECIMAL == 0xE);
+static_assert(LOCALE_STHOUSAND == 0xF && LOCALE_SGROUPING == 0x10 && LOCALE_IDIGITS == 0x11 && LOCALE_ILZERO == 0x12);
+static_assert(LOCALE_STIME == 0x1E && LOCALE_SNEGATIVESIGN == 0x51);
+static_assert(LOCALE_SENGLANGUAGE == 0x1001 && LOCALE_SENGCOUNTRY == 0x1002);
+static_assert(sizeof(NUMBERFMTW) == 40 && offsetof(NUMBERFMTW, lpDecimalSep) == 16);
+static_assert(offsetof(NUMBERFMTW, lpThousandSep) == 24 && offsetof(NUMBERFMTW, NegativeOrder) == 32);
+
+static_assert(sizeof(HKEY) == 8 && sizeof(LSTATUS) == 4 && sizeof(REGSAM) == 4);
+static_assert(REG_NONE == 0 && REG_SZ == 1 && REG_EXPAND_SZ == 2 && REG_BINARY == 3 && REG_DWORD == 4);
+static_assert(REG_MULTI_SZ == 7 && REG_OPTION_NON_VOLATILE == 0);
+static_assert(REG_CREATED_NEW_KEY == 1 && REG_OPENED_EXISTING_KEY == 2);
+static_assert(KEY_QUERY_VALUE == 1 && KEY_SET_VALUE == 2 && KEY_CREATE_SUB_KEY == 4 && KEY_ENUMERATE_SUB_KEYS == 8);
+static_assert(KEY_READ == 0x20019 && KEY_WRITE == 0x20006 && KEY_ALL_ACCESS == 0xF003F);
+
+static_assert(WM_CREATE == 1 && WM_DESTROY == 2 && WM_SETTEXT == 0xC && WM_GETTEXT == 0xD && WM_GETTEXTLENGTH == 0xE);
+static_assert(WM_NCCREATE == 0x81 && WM_NCDESTROY == 0x82);
+static_assert(EM_GETSEL == 0xB0 && EM_SETSEL == 0xB1 && EM_REPLACESEL == 0xC2);
+static_assert(WS_OVERLAPPED == 0 && WS_CHILD == 0x40000000 && WS_VISIBLE == 0x10000000);
+static_assert(ES_MULTILINE == 4 && ES_AUTOVSCROLL == 0x40);
+static_assert(GWLP_WNDPROC == -4 && GWLP_ID == -12 && GWLP_USERDATA == -21);
+static_assert(ERROR_INVALID_WINDOW_HANDLE == 1400 && ERROR_CANNOT_FIND_WND_CLASS == 1407);
+static_assert(ERROR_CLASS_ALREADY_EXISTS == 1410 && ERROR_CLASS_DOES_NOT_EXIST == 1411);
+static_assert(ERROR_INVALID_INDEX == 1413 && ERROR_CONTROL_ID_NOT_FOUND == 1421);
+static_assert(sizeof(WNDCLASSEXW) == 80 && offsetof(WNDCLASSEXW, lpfnWndProc) == 8);
+static_assert(offsetof(WNDCLASSEXW, hInstance) == 24 && offsetof(WNDCLASSEXW, lpszClassName) == 64);
+static_assert(sizeof(CREATESTRUCTW) == 80 && offsetof(CREATESTRUCTW, cy) == 32 && offsetof(CREATESTRUCTW, style) == 48);
+static_assert(offsetof(CREATESTRUCTW, lpszName) == 56 && offsetof(CREATESTRUCTW, dwExStyle) == 72);
+static_assert(FORMAT_MESSAGE_FROM_STRING == 0x400);

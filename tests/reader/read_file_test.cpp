@@ -2,8 +2,8 @@
 
 #include "audio/wave_format.h"
 #include "platform/text.h"
+#include "support/in_locale.h"
 #include "support/temp_file.h"
-#include "support/user_locale.h"
 #include "tests/reader/reader_scene.h"
 
 namespace reader_tests {
@@ -288,7 +288,7 @@ TEST_F(ReadFile, DuplicatesIntoAnObjectOfItsOwn) {
 }
 
 TEST_F(ReadFile, TellsItsDataRates) {
-    const support::UserLocale locale(0x0409);
+    const support::InLocale locale(0x0409);
     const support::TempFile path(".r3d");
     MakeFile(path.Path(), 24000123);
     const auto file = MeasuredFile(path.Path());
@@ -370,7 +370,7 @@ TEST_F(ReadFile, HasNoDataRateWithoutItsFile) {
 }
 
 TEST_F(ReadFile, ChannelsHaveNames) {
-    const support::UserLocale locale(0x0409);
+    const support::InLocale locale(0x0409);
     constexpr struct {
         uint32_t mask;
         const char* text;

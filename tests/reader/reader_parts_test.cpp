@@ -45,6 +45,17 @@ TEST(VideoSize, QualityChoosesTheModeOnlyAtHalfSize) {
     }
 }
 
+// Release calls it at zero; the host's slots end before it.
+TEST(StreamSlots, TheDestructorStandsBehindTheHostsSlots) {
+    const auto destroy = [](void* stream, int slot) {
+        using Destroy = void* (*)(void*, uint32_t);
+        return reinterpret_cast<Destroy>((*static_cast<void***>(stream))[slot])(stream, 1);
+    };
+    const ClipField no_clip = nullptr;
+    EXPECT_EQ(destroy(CReadVideoStream::Make(nullptr, &no_clip), 23), nullptr);
+    EXPECT_EQ(destroy(CReadAudioStream::Make(nullptr, &no_clip), 19), nullptr);
+}
+
 TEST(Timecode, IsReadIntoUnitsOf100Nanoseconds) {
     constexpr int64_t kMost = std::numeric_limits<int64_t>::max();
     constexpr struct {
@@ -69,6 +80,9 @@ TEST(Timecode, IsReadIntoUnitsOf100Nanoseconds) {
         {"01:00:00:12", kNan, 36000000000},
         {"00:00:00:12 and more", 24.0, 5000000},
         {"4294967295:00:00:00", 24.0, kMost},
+        {"4294967296:00:00:01", 24.0, 0},
+        {"01:99999999999999999999:00:01", 24.0, 36000000000},
+        {"01:00:-1:01", 24.0, 36000000000},
         {"256204778:48:05:47", 1e-9, kMost},
         {"00:4294967295:4294967295:0", 24.0, (4294967295 * 60 + 4294967295) * 10000000},
     };

@@ -152,7 +152,10 @@ constexpr InputCase kInputs[] = {
     {"ImageDenoise", "1.0", kKtPanelNotANumber},
     {"ImageISO", "12800", S_OK},
     {"ImageISO", "12801", kKtPanelNotOffered},
-    {"ColorVersion", "3", kKtPanelNotOffered},
+    {"ColorVersion", "0", kKtPanelNotOffered},
+    {"ColorVersion", "3", S_OK},  // the default, which the dialog does not offer
+    {"ImageGammaCurve", "12", S_OK},
+    {"ImageGammaCurve", "11", kKtPanelNotOffered},
     {"DEB", "1", S_OK},
     {"DEB", "2", kKtPanelNotOffered},
     {"DEB", "true", kKtPanelNotANumber},

@@ -11,10 +11,7 @@ namespace {
 
 bool Exists(const WString& path) { return GetFileAttributesW(path.c_str()) != INVALID_FILE_ATTRIBUTES; }
 
-void ExpectNothingLeft(const TestFile& file) {
-    EXPECT_FALSE(Exists(file.Path() + W(".part")));
-    EXPECT_FALSE(Exists(file.Path() + W(".sound.part")));
-}
+void ExpectNothingLeft(const TestFile& file) { EXPECT_EQ(UnfinishedFiles(file), 0u); }
 
 ClipDescription SmallClip() {
     ClipDescription d;
@@ -36,6 +33,7 @@ TEST(ClipWriter, NothingIsThereUntilItIsFinished) {
         EXPECT_TRUE(writer.AddFrame(picture.data()));
         EXPECT_EQ(writer.FrameCount(), 1u);
         EXPECT_FALSE(Exists(file.Path()));
+        EXPECT_EQ(UnfinishedFiles(file), 2u);
     }
     EXPECT_FALSE(Exists(file.Path()));
     ExpectNothingLeft(file);
@@ -71,6 +69,22 @@ TEST(ClipWriter, PicturesAndSoundComeInAnyOrder) {
     EXPECT_FALSE(writer.Finish());
     EXPECT_FALSE(writer.AddFrame(picture.data()));
     EXPECT_FALSE(writer.Error().empty());
+}
+
+TEST(ClipWriter, TwoWritersOfOneClipDoNotMeet) {
+    const TestFile file, alone;
+    const std::vector<uint16_t> picture = NoisePicture(4, 2, 1), other = NoisePicture(4, 2, 2);
+    const int32_t sound[] = {1, 2, 3};
+    WriteClip(alone, SmallClip(), {other, other}, {1, 2, 3});
+    ClipWriter first, second;
+    ASSERT_TRUE(first.Open(file.Path(), SmallClip()));
+    EXPECT_TRUE(first.AddFrame(picture.data()) && first.AddAudio(sound, 1));
+    ASSERT_TRUE(second.Open(file.Path(), SmallClip()));
+    EXPECT_TRUE(second.AddFrame(other.data()) && second.AddAudio(sound, 3) && second.AddFrame(other.data()));
+    EXPECT_TRUE(first.Finish());
+    EXPECT_TRUE(second.Finish()) << "the last one to finish wins";
+    EXPECT_EQ(file.Bytes(), alone.Bytes());
+    ExpectNothingLeft(file);
 }
 
 struct BadDescription {
@@ -110,7 +124,7 @@ TEST(ClipWriter, FailuresAreToldAndLeaveNothing) {
     EXPECT_FALSE(writer.AddFrame(nullptr));
     EXPECT_FALSE(writer.Open({}, SmallClip()));
     EXPECT_FALSE(writer.Open(file.Path() + W("/no/such/folder.r3d"), SmallClip()));
-    EXPECT_NE(writer.Error().find("cannot write"), std::string::npos) << writer.Error();
+    EXPECT_NE(writer.Error().find("no such folder"), std::string::npos) << writer.Error();
     ClipDescription silent = SmallClip();
     silent.sample_rate = 0;
     ASSERT_TRUE(writer.Open(file.Path(), silent));

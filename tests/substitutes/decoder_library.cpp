@@ -2,10 +2,14 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <filesystem>
 #include <random>
 
 #include "platform/files.h"
 #include "platform/modules.h"
+#include "platform/process.h"
+#include "platform/result_file.h"
 #include "platform/text.h"
 #include "substitutes/decoder/file_access.h"
 
@@ -96,6 +100,13 @@ std::vector<uint16_t> TestClip::Rgb16(uint64_t frame, DecodeMode mode, const Dec
 
 std::vector<uint8_t> TestClip::Bgra8(uint64_t frame, DecodeMode mode, const DecodeSettingsRecord& look) const {
     return Decode<uint8_t>(handle_, frame, mode, look, PixelType::Bgra8, 4);
+}
+
+size_t UnfinishedFiles(const TestFile& file) {
+    const std::string start = ".clipfio-" + std::to_string(GetCurrentProcessId()) + "-";
+    const std::filesystem::path folder = platform::NativePath(file.Utf8()).parent_path();
+    const auto is_one = [&](const auto& entry) { return entry.path().filename().string().starts_with(start); };
+    return static_cast<size_t>(std::count_if(std::filesystem::directory_iterator(folder), {}, is_one));
 }
 
 uint32_t DivisorOf(DecodeMode mode) {

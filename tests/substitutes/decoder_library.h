@@ -53,6 +53,9 @@ class TestFile {
     WString path_;
 };
 
+// Files of this process that wait to become results beside the file.
+size_t UnfinishedFiles(const TestFile& file);
+
 // A handle of the library, with a clip or without.
 class TestClip {
   public:

@@ -63,7 +63,8 @@ struct GoodWav {
 TEST(WavInput, EveryLayoutIsReadAtFullScale) {
     const std::string sixteen = {"\x01\x00\xFF\x7F\x00\x80\xFE\xFF", 8};
     const std::vector<int32_t> sixteen_sound = {0x10000, 0x7FFF0000, INT32_MIN, -0x20000};
-    const std::string pcm_guid = {"\x16\x00\x10\x00\x03\x00\x00\x00\x01\x00", 10};
+    const std::string pcm_guid = {
+        "\x16\x00\x10\x00\x03\x00\x00\x00\x01\x00\x00\x00\x00\x00\x10\x00\x80\x00\x00\xAA\x00\x38\x9B\x71", 24};
     const auto floats = [](std::initializer_list<float> values) {
         std::string text;
         for (const float value : values) text += Wav::Bytes(value);
@@ -90,8 +91,7 @@ TEST(WavInput, EveryLayoutIsReadAtFullScale) {
          },
          32,
          {0x40000000, INT32_MIN, INT32_MAX, INT32_MAX, INT32_MIN, 0}},
-        {"extensible", [&](Wav& w) { w.tag = 0xFFFE, w.extension = pcm_guid + std::string(14, 'g'), w.data = sixteen; },
-         16, sixteen_sound},
+        {"extensible", [&](Wav& w) { w.tag = 0xFFFE, w.extension = pcm_guid, w.data = sixteen; }, 16, sixteen_sound},
         {"other chunks, one of odd length",
          [&](Wav& w) {
              w.before_format = Wav::Chunk("JUNK", "odd"), w.before_data = Wav::Chunk("LIST", "even"), w.data = sixteen;
@@ -99,6 +99,11 @@ TEST(WavInput, EveryLayoutIsReadAtFullScale) {
          16, sixteen_sound},
         {"size left open", [&](Wav& w) { w.data_size = 0xFFFFFFFF, w.data = sixteen; }, 16, sixteen_sound},
         {"size above the file", [&](Wav& w) { w.data_size = 400000, w.data = sixteen; }, 16, sixteen_sound},
+        {"size never written", [&](Wav& w) { w.data_size = 0, w.data = sixteen; }, 16, sixteen_sound},
+        {"no sound before another chunk",
+         [&](Wav& w) { w.data_size = 0, w.data = Wav::Chunk("LIST", "even"); },
+         16,
+         {}},
         {"cut inside a sample", [&](Wav& w) { w.data = sixteen.substr(0, 7); }, 16, {0x10000, 0x7FFF0000}},
         {"RF64",
          [&](Wav& w) {
@@ -133,6 +138,12 @@ TEST(WavInput, WhatIsNoSoundIsRefusedWithAReason) {
     const BadWav kBad[] = {
         {"RIFF", [](Wav& w) { w.riff = "RIFX"; }},
         {"neither PCM nor float", [](Wav& w) { w.tag = 2; }},
+        {"neither PCM nor float", [](Wav& w) { w.tag = 0xFFFE; }},
+        {"neither PCM nor float",
+         [](Wav& w) {
+             w.tag = 0xFFFE, w.extension = {"\x16\x00\x10\x00\x03\x00\x00\x00\x01\x00", 10},
+             w.extension += std::string(14, 'g');
+         }},
         {"channels", [](Wav& w) { w.channels = 0, w.block = 0; }},
         {"channels", [](Wav& w) { w.channels = 65, w.block = 130; }},
         {"rate", [](Wav& w) { w.rate = 0; }},
@@ -160,6 +171,7 @@ TEST(WavInput, WhatIsNoSoundIsRefusedWithAReason) {
         EXPECT_FALSE(input.Error().empty());
     }
     EXPECT_FALSE(input.Open(file.Path() + W(".missing")));
+    EXPECT_NE(input.Error().find("no such file"), std::string::npos) << input.Error();
     EXPECT_EQ(input.Read(nullptr, 1), 0u);
 }
 

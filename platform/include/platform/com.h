@@ -71,6 +71,9 @@ inline constexpr DWORD STGM_CREATE = 0x1000;
 inline constexpr DWORD STREAM_SEEK_SET = 0;
 inline constexpr DWORD STREAM_SEEK_CUR = 1;
 inline constexpr DWORD STREAM_SEEK_END = 2;
+inline constexpr DWORD CLSCTX_INPROC_SERVER = 1;
+inline constexpr HRESULT CLASS_E_NOAGGREGATION = static_cast<HRESULT>(0x80040110u);
+inline constexpr HRESULT REGDB_E_CLASSNOTREG = static_cast<HRESULT>(0x80040154u);
 inline constexpr HRESULT STG_E_INVALIDFUNCTION = static_cast<HRESULT>(0x80030001u);
 inline constexpr HRESULT STG_E_INVALIDPOINTER = static_cast<HRESULT>(0x80030009u);
 inline constexpr HRESULT STG_E_ACCESSDENIED = static_cast<HRESULT>(0x80030005u);
@@ -83,6 +86,10 @@ extern "C" BSTR SysAllocStringLen(const WCHAR* text, UINT length) noexcept;
 extern "C" void SysFreeString(BSTR text) noexcept;
 extern "C" UINT SysStringLen(BSTR text) noexcept;
 
+// An object of a class of the system; REGDB_E_CLASSNOTREG for all but CLSID_CMultiLanguage.
+extern "C" HRESULT CoCreateInstance(REFCLSID id, IUnknown* outer, DWORD context, REFIID interface_id,
+                                    void** out) noexcept;
+
 // Frees the name that IStream::Stat gives.
 extern "C" void CoTaskMemFree(void* block) noexcept;
 
@@ -90,5 +97,12 @@ extern "C" void CoTaskMemFree(void* block) noexcept;
 // What was written reaches the file at the latest with Commit, Seek or the last Release; a Commit that fails keeps what
 // is left and may be tried again. The end on Read is S_FALSE. Clone, Revert and the locks are E_NOTIMPL.
 extern "C" HRESULT SHCreateStreamOnFileW(const WCHAR* path, DWORD mode, IStream** out) noexcept;
+
+// A stream over a block of the global heap, used by one thread at a time; null makes a new block. With `free_block` the
+// last Release frees the block. A stream that outgrows its block moves to another: only GetHGlobalFromStream knows the
+// block of a stream that was written to. Reading at the end is S_OK. Clone, Revert and the locks are E_NOTIMPL.
+extern "C" HRESULT CreateStreamOnHGlobal(HGLOBAL block, BOOL free_block, IStream** out) noexcept;
+// E_INVALIDARG for any other stream. The block stays the stream's, and may be longer than what the stream holds.
+extern "C" HRESULT GetHGlobalFromStream(IStream* stream, HGLOBAL* out) noexcept;
 
 #endif

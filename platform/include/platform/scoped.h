@@ -9,6 +9,7 @@
 #include "platform/memory.h"
 #include "platform/modules.h"
 #include "platform/process.h"
+#include "platform/registry.h"
 #include "platform/sync.h"
 
 namespace platform {
@@ -71,6 +72,14 @@ struct ViewTraits {
     static void Free(Type p) noexcept { UnmapViewOfFile(p); }
 };
 using ScopedView = Scoped<ViewTraits>;
+
+struct KeyTraits {
+    using Type = HKEY;
+    static Type Empty() noexcept { return nullptr; }
+    static bool IsSet(Type key) noexcept { return key != nullptr; }
+    static void Free(Type key) noexcept { RegCloseKey(key); }
+};
+using ScopedKey = Scoped<KeyTraits>;
 
 // Holds a mutex handle for a scope, without a time-out.
 class MutexLock {

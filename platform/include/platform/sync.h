@@ -1,4 +1,4 @@
-// Mutexes and waiting.
+// Mutexes, locks, threads and waiting.
 #pragma once
 
 #include "platform/base.h"
@@ -33,5 +33,7 @@ extern "C" void InitializeCriticalSection(CRITICAL_SECTION* section) noexcept;
 extern "C" void EnterCriticalSection(CRITICAL_SECTION* section) noexcept;
 extern "C" void LeaveCriticalSection(CRITICAL_SECTION* section) noexcept;
 extern "C" void DeleteCriticalSection(CRITICAL_SECTION* section) noexcept;
+
+extern "C" DWORD GetCurrentThreadId() noexcept;
 
 #endif

@@ -1,0 +1,38 @@
+// What stands behind the handle of a window, and the classes that are always there.
+#pragma once
+
+#include <cstdlib>
+
+#include "platform/window.h"
+
+namespace platform {
+
+// Made by one copy of the layer and perhaps freed by another: plain data from the C library's heap.
+struct Window {
+    WNDPROC procedure;  // null: that of its built-in class
+    std::uint32_t builtin;
+    bool destroying;
+    HWND parent;
+    HWND first_child;
+    HWND next_sibling;
+    DWORD style;
+    DWORD ex_style;
+    HINSTANCE instance;
+    LONG_PTR id;
+    LONG_PTR user_data;
+    WCHAR* text;  // null: empty; else terminated
+    std::size_t length;
+    std::size_t selection_start;  // of an edit control, in characters; both places lie in the text
+    std::size_t selection_end;
+};
+
+void FreeWindow(Window* window) noexcept;
+
+// The procedures of the built-in classes, by their numbers in kBuiltinClasses.
+inline constexpr WStringView kBuiltinClasses[] = {u"STATIC", u"EDIT"};
+LRESULT EditProcedure(HWND handle, Window& window, UINT message, WPARAM wparam, LPARAM lparam) noexcept;
+
+// The text with the characters from `start` to `end` replaced. False, and the text as it was, without memory.
+bool ReplaceText(Window& window, std::size_t start, std::size_t end, WStringView text) noexcept;
+
+}  // namespace platform

@@ -1,0 +1,109 @@
+// Sizes of dialogs, read out of their templates.
+#include "kernel/dialog_size.h"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+
+#include "platform/text.h"
+
+namespace {
+
+constexpr WCHAR kNoFace[] = W("");
+
+class Template {
+  public:
+    Template& Word(uint32_t value) {
+        bytes_ += static_cast<char>(value & 0xFF);
+        bytes_ += static_cast<char>(value >> 8 & 0xFF);
+        return *this;
+    }
+    Template& Double(uint32_t value) { return Word(value & 0xFFFF).Word(value >> 16); }
+    Template& Text(const WCHAR* text) {
+        for (; *text; ++text) Word(*text);
+        return Word(0);
+    }
+    [[nodiscard]] const std::string& Bytes() const { return bytes_; }
+
+  private:
+    std::string bytes_;
+};
+
+Template Plain(uint32_t style, uint32_t width, uint32_t height) {
+    return Template().Double(style).Double(0).Word(0).Double(0).Word(width).Word(height);
+}
+Template Extended(uint32_t style, uint32_t width, uint32_t height) {
+    return Template().Word(1).Word(0xFFFF).Double(0).Double(0).Double(style).Word(0).Double(0).Word(width).Word(height);
+}
+
+class DialogSize : public testing::Test {
+  protected:
+    void SetUp() override {
+        clipfio::SetUiFontUnits([](SIZE& units) noexcept {
+            units = {6, 13};
+            return true;
+        });
+    }
+    void TearDown() override { clipfio::SetUiFontUnits(nullptr); }
+};
+
+// No font can be measured without a screen, so the standard font's units serve for all of them.
+TEST_F(DialogSize, IsThatOfTheTemplateInTheUnitsOfTheFont) {
+    struct {
+        const char* name;
+        Template dialog;
+        LONG width, height;
+    } const kRows[] = {
+        {"plain", Plain(0x80000000, 100, 80), 150, 130},
+        {"a style of nothing", Plain(0, 101, 81), 152, 132},
+        {"negative", Plain(0, 0xFFFC, 0xFFF8), -6, -13},
+        {"with a font", Plain(0x40, 4, 8).Word(0).Word(0).Text(W("title")).Word(9).Text(W("Sans")), 6, 13},
+        {"with numbers", Plain(0x40, 4, 8).Word(0xFFFF).Word(7).Word(0xFFFF).Word(9).Word(0).Word(9).Text(W("S")), 6,
+         13},
+        {"with names", Plain(0x40, 4, 8).Text(W("menu")).Text(W("class")).Word(0).Word(9).Text(W("S")), 6, 13},
+        {"no face", Plain(0x40, 4, 8).Word(0).Word(0).Word(0).Word(9).Text(kNoFace), 6, 13},
+        {"extended", Extended(0, 8, 16), 12, 26},
+        {"extended font", Extended(0x48, 8, 16).Word(0).Word(0).Word(0).Word(9).Word(700).Word(0x0100).Text(W("S")), 12,
+         26},
+    };
+    for (const auto& row : kRows) {
+        const std::string& bytes = row.dialog.Bytes();
+        SIZE size{};
+        EXPECT_TRUE(clipfio::DialogSizeOfTemplate(bytes.data(), bytes.size(), size)) << row.name;
+        EXPECT_EQ(size.cx, row.width) << row.name;
+        EXPECT_EQ(size.cy, row.height) << row.name;
+        SIZE again{};
+        EXPECT_EQ(KtGetDialogSizeIndirect(nullptr, reinterpret_cast<const DLGTEMPLATE*>(bytes.data()), &again), 1);
+        EXPECT_EQ(again.cx, row.width) << row.name;
+        // Cut anywhere it is either refused, when the size itself is gone, or measured without its font.
+        for (std::size_t cut = 0; cut < bytes.size(); ++cut) {
+            const std::string part = bytes.substr(0, cut);
+            const bool has_size = cut >= (part.size() > 3 && part[2] == '\xFF' ? 26u : 18u);
+            EXPECT_EQ(clipfio::DialogSizeOfTemplate(part.data(), part.size(), size), has_size) << row.name << cut;
+        }
+    }
+    SIZE size{1, 1};
+    EXPECT_EQ(KtGetDialogSizeIndirect(nullptr, nullptr, &size), 0);
+    EXPECT_EQ(size.cx, 0);
+    EXPECT_EQ(KtGetDialogSizeIndirect(nullptr, nullptr, nullptr), 0);
+    EXPECT_EQ(KtGetDialogSize(nullptr, W("x"), &size), 0);
+    EXPECT_EQ(KtGetDialogSize(nullptr, W("x"), nullptr), 0);
+    clipfio::SetUiFontUnits(nullptr);
+    const std::string plain = Plain(0, 4, 8).Bytes();
+    EXPECT_FALSE(clipfio::DialogSizeOfTemplate(plain.data(), plain.size(), size));
+}
+
+TEST(MulDivision, RoundsToTheNearest) {
+    constexpr int kMost = std::numeric_limits<int>::max();
+    struct {
+        int a, b, c, result;
+    } const kRows[] = {{7, 3, 4, 5},      {-7, 3, 4, -5},
+                       {7, 1, 2, 4},      {-7, 1, 2, -4},
+                       {1, 1, 0, -1},     {kMost, kMost, kMost, kMost},
+                       {kMost, 2, 1, -1}, {kMost, -2, 1, -1},
+                       {9, 96, -72, -12}, {kMost, kMost, -kMost, -kMost}};
+    for (const auto& row : kRows)
+        EXPECT_EQ(MulDiv(row.a, row.b, row.c), row.result) << row.a << ' ' << row.b << ' ' << row.c;
+}
+
+}  // namespace

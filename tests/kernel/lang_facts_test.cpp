@@ -1,0 +1,123 @@
+// Facts about languages, and guesses at code pages.
+#include "kernel/lang_facts.h"
+
+#include <climits>
+
+#include "lang_fixture.h"
+
+namespace {
+
+class LanguageFacts : public WithLanguage {
+  protected:
+    void Use(LCID lcid) { ASSERT_EQ(KtLang_UpdateKernelLCID(handle_, lcid, 0), 1); }
+};
+
+TEST(ConditionedLanguage, DropsTheRegion) {
+    struct {
+        LCID lcid, conditioned;
+    } const kRows[] = {
+        {0x0C04, 0x0404}, {0x1004, 0x0804}, {0x0404, 0x0404}, {0x0804, 0x0804},  {0x1404, 0x0404},
+        {0x1C04, 0x0804}, {0x0004, 0x0804}, {0x0816, 0x0816}, {0x0416, 0x0416},  {0x0809, 0x0409},
+        {0x0807, 0x0407}, {0, 0x0400},      {0x7F, 0x047F},   {0x10407, 0x0407}, {0x20C04, 0x0404},
+    };
+    for (const auto& row : kRows)
+        EXPECT_EQ(KtLang_GetConditionedLCID(row.lcid), row.conditioned) << std::hex << row.lcid;
+}
+
+TEST_F(LanguageFacts, NameTheLanguage) {
+    struct {
+        LCID lcid;
+        const char* abbreviation;
+        const char* tag;
+    } const kRows[] = {
+        {0x0407, "DEU", "de-DE"}, {0x0C07, "DEU", "de-DE"}, {0x0411, "JPN", "ja-JP"}, {0x0404, "CHT", "zh-CN"},
+        {0x0804, "CHS", "zh-CN"}, {0x080A, "ESP", "es-ES"}, {0x0C0C, "FRA", "fr-FR"}, {0x0412, "KOR", "ko-KR"},
+        {0x0415, "PLK", "pl-PL"}, {0x0816, "PTG", "pt-BR"}, {0x0409, "ENU", ""},      {0x0410, "ITA", ""},
+    };
+    for (const auto& row : kRows) {
+        Use(row.lcid);
+        WCHAR text[8];
+        EXPECT_EQ(KtLang_GetLangAbbrev(handle_, text, 8), 1);
+        EXPECT_EQ(platform::Utf8(text), row.abbreviation) << std::hex << row.lcid;
+        EXPECT_EQ(KtLang_GetLangllCC(handle_, text, 8), *row.tag == 0);
+        EXPECT_EQ(platform::Utf8(text), row.tag) << std::hex << row.lcid;
+        EXPECT_EQ(KtLang_GetLangllCC(handle_, text, 3), *row.tag == 0);
+        EXPECT_EQ(platform::Utf8(text), std::string(row.tag).substr(0, 2));
+        text[0] = W('x');
+        EXPECT_EQ(KtLang_GetLangllCC(handle_, text, 0), *row.tag == 0);
+        EXPECT_EQ(text[0], W('x'));
+        EXPECT_EQ(KtLang_GetLangAbbrev(handle_, text, 2), 0);  // no room for all of it
+        EXPECT_EQ(text[0], 0);
+    }
+    WCHAR text[8];
+    EXPECT_EQ(KtLang_GetLangAbbrev(nullptr, text, 8), 0);
+    EXPECT_EQ(KtLang_GetLangAbbrev(handle_, nullptr, 8), 0);
+    EXPECT_EQ(KtLang_GetLangllCC(nullptr, text, 8), 1);
+    EXPECT_EQ(text[0], 0);
+}
+
+TEST_F(LanguageFacts, OrderTheNamesOfPeople) {
+    struct {
+        LCID lcid;
+        const WCHAR *first, *last;
+        int32_t size;
+        const char* name;
+    } const kRows[] = {
+        {0x0409, W("Ada"), W("King"), 20, "Ada King"}, {0x0411, W("Ada"), W("King"), 20, "King Ada"},
+        {0x0811, W("Ada"), W("King"), 20, "Ada King"}, {0x0409, W("Ada"), W("King"), 6, "Ada K"},
+        {0x0411, nullptr, W("King"), 20, "King "},     {0x0409, W("Ada"), W("King"), 1, ""},
+    };
+    for (const auto& row : kRows) {
+        Use(row.lcid);
+        WCHAR name[20] = {W('x')};
+        const int32_t length = KtLang_LocalizeUserName(handle_, row.first, row.last, name, row.size);
+        EXPECT_EQ(platform::Utf8(name), row.name);
+        EXPECT_EQ(length, static_cast<int32_t>(WStringView(name).size()));
+        EXPECT_EQ(KtLang_IsNameOrderReversed(handle_), row.lcid == 0x0411);
+    }
+    WCHAR name[20];
+    EXPECT_EQ(KtLang_LocalizeUserName(nullptr, W("Ada"), W("King"), name, 20), 8);
+    EXPECT_EQ(platform::Utf8(name), "Ada King");
+    EXPECT_EQ(KtLang_LocalizeUserName(nullptr, W("Ada"), W("King"), name, 0), 0);
+    EXPECT_EQ(KtLang_LocalizeUserName(nullptr, W("Ada"), W("King"), nullptr, 20), 0);
+    EXPECT_TRUE(KtLang_IsLCIDEnglish(0x0809));
+    EXPECT_FALSE(KtLang_IsLCIDEnglish(0x0411));
+}
+
+TEST(CodePage, IsDetectedWhereItIsBeyondDoubt) {
+    std::string japanese, russian;
+    for (int i = 0; i < 20; ++i) {
+        japanese += "日本語の文章です。漢字とかなが混ざっています。";
+        russian += "Это обычный русский текст, в котором достаточно слов. ";
+    }
+    struct {
+        std::string text;
+        uint32_t code_page;
+    } const kRows[] = {{japanese, 65001}, {russian, 65001}, {"\xEF\xBB\xBF" + japanese, 65001}};
+    for (const auto& row : kRows) {
+        uint32_t code_page = 7;
+        EXPECT_EQ(KtLang_DetectPossibleCodepage(row.text.data(), static_cast<int32_t>(row.text.size()), &code_page),
+                  S_OK);
+        EXPECT_EQ(code_page, row.code_page);
+    }
+    uint32_t code_page = 7;
+    const char noise[] = "\x81\xFF\x80\xFE\x9D\x01\xC0\xC1";
+    EXPECT_EQ(static_cast<uint32_t>(KtLang_DetectPossibleCodepage(noise, sizeof noise, &code_page)), 0x8004E1FDu);
+    EXPECT_EQ(code_page, 0u);
+    EXPECT_TRUE(FAILED(KtLang_DetectPossibleCodepage("", 0, &code_page)));
+    EXPECT_EQ(KtLang_DetectPossibleCodepage("x", -1, &code_page), E_INVALIDARG);
+    EXPECT_EQ(KtLang_DetectPossibleCodepage("x", INT_MIN, &code_page), E_INVALIDARG);
+    EXPECT_EQ(KtLang_DetectPossibleCodepage(nullptr, 1, &code_page), E_INVALIDARG);
+    EXPECT_EQ(KtLang_DetectPossibleCodepage("x", 1, nullptr), E_POINTER);
+}
+
+// The process's narrow code page has one byte to each character here.
+TEST(MultiByteCharacters, AreNotSeenWhereThereAreNone) {
+    for (const char* const text : {"", "a", "\x82\xA0\x82\xA2", static_cast<const char*>(nullptr)}) {
+        EXPECT_FALSE(KtLang_DetectMultiByteCharacters(text, 4));
+        EXPECT_FALSE(KtLang_DetectMultiByteCharacters(text, 1));
+        EXPECT_FALSE(KtLang_DetectMultiByteCharacters(text, -1));
+    }
+}
+
+}  // namespace

@@ -1,0 +1,27 @@
+// A language handle beside the kernel's own.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <utility>
+
+#include "kernel/lang.h"
+#include "platform/text.h"
+
+class WithLanguage : public testing::Test {
+  protected:
+    void SetUp() override { Open(nullptr, 0); }
+    void TearDown() override {
+        KtLang_Close(handle_);
+        KtLang_Close(std::exchange(clipfio::KernelLanguage(), nullptr));
+    }
+
+    void Open(HMODULE base, LCID lcid) {
+        TearDown();
+        handle_ = nullptr;
+        ASSERT_EQ(KtLang_Open(&clipfio::KernelLanguage(), nullptr, 0, 0), S_OK);
+        ASSERT_EQ(KtLang_Open(&handle_, base, lcid, 0), S_OK);
+    }
+
+    HKTLANG handle_ = nullptr;
+};

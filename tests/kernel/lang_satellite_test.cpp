@@ -1,0 +1,203 @@
+// Texts and resources of a base module and of its satellite.
+#include <cstring>
+
+#include "kernel/lang_facts.h"
+#include "kernel/lang_resources.h"
+#include "lang_fixture.h"
+#include "platform/faults.h"
+#include "platform/modules.h"
+#include "platform/resources.h"
+#include "platform/scoped.h"
+#include "platform/window_layout.h"
+#include "support/failing_new.h"
+
+namespace {
+
+class Satellite : public WithLanguage {
+  protected:
+    void SetUp() override {
+        base_.Reset(LoadLibraryW(platform::Wide(CLIPFIO_LANG_MODULE).c_str()));
+        ASSERT_TRUE(base_) << CLIPFIO_LANG_MODULE;
+        Open(base_.Get(), 0);
+    }
+    void Use(LCID lcid) { ASSERT_EQ(KtLang_UpdateKernelLCID(handle_, lcid, 0), 1); }
+    std::string Text(uint32_t id) const { return platform::Utf8(KtGetString(handle_, id)); }
+    std::string Data(uint32_t id) const {
+        uint32_t size = 0;
+        const HGLOBAL block = KtLoadResourceCustom(handle_, MAKEINTRESOURCEW(id), MAKEINTRESOURCEW(10), &size);
+        return block ? std::string(static_cast<const char*>(LockResource(block)), size) : "none";
+    }
+
+    platform::ScopedLibrary base_;
+};
+
+TEST_F(Satellite, ComesFirstForItsLanguages) {
+    struct {
+        LCID lcid;
+        const char* text;
+        const char* save;
+        const char* data;
+    } const kRows[] = {
+        {0, "base text", "Save", "base"},      {0x0411, "日本語", "保存", "satellite"},
+        {0x0407, "deutsch", "Save", "base"},   {0x0409, "base text", "Save", "base"},
+        {0x0809, "base text", "Save", "base"}, {0x040C, "base text", "Save", "base"},
+    };
+    EXPECT_EQ(KtLang_InstFromLang(handle_), base_.Get());
+    for (const auto& row : kRows) {
+        if (row.lcid) Use(row.lcid);
+        EXPECT_EQ(Text(16), row.text) << std::hex << row.lcid;
+        EXPECT_EQ(Text(17), row.save) << std::hex << row.lcid;
+        EXPECT_EQ(Text(18), "only in the base");
+        EXPECT_EQ(Text(19), "");
+        EXPECT_EQ(Data(40), row.data);
+        EXPECT_EQ(Data(41), "more");
+        EXPECT_EQ(Data(42), "none");
+        WCHAR copy[16] = {};
+        const auto length = KtLoadString(handle_, 17, copy, 16);
+        EXPECT_EQ(platform::Utf8(copy), row.save);
+        EXPECT_EQ(WStringView(copy).size(), static_cast<std::size_t>(length));
+        EXPECT_EQ(KtLang_InstFromLang(handle_) != base_.Get(), row.lcid != 0 && (row.lcid & 0x3FF) != 9);
+    }
+}
+
+TEST_F(Satellite, ResolvesTheIdsOfRows) {
+    struct alignas(8) Row {
+        uint16_t signature = 0xFFFE, count = 3;
+        uint32_t reserved = 0;
+        const WCHAR* entries[4] = {W("english"), nullptr, nullptr, nullptr};
+    };
+    struct {
+        uint32_t id;
+        LCID lcid;
+        const char* text;
+    } const kRows[] = {
+        {32, 0x0411, "行の文字"}, {32, 0x0407, "Zeile"},    {33, 0x0411, "english"},  // it does not end in a NUL
+        {36, 0x0411, "english"},  {900, 0x0407, "english"}, {0, 0x0407, "english"},
+    };
+    for (const auto& row : kRows) {
+        Row record;
+        record.entries[1] = record.entries[2] = reinterpret_cast<const WCHAR*>(uintptr_t{row.id});
+        Use(row.lcid);
+        const auto id = reinterpret_cast<KTLANGSTRINGID>(&record);
+        const WCHAR* const first = KtGetString(handle_, id);
+        EXPECT_EQ(platform::Utf8(first), row.text) << row.id;
+        EXPECT_EQ(KtGetString(handle_, id), first);
+        EXPECT_EQ(record.entries[row.lcid == 0x0411 ? 1 : 2], first);
+    }
+}
+
+TEST_F(Satellite, FindsResourcesInBothModules) {
+    const WCHAR* const data = MAKEINTRESOURCEW(10);
+    const auto text = [this](HRSRC found) {
+        const void* const bytes = LockResource(KtLoadResource(handle_, found));
+        return bytes ? std::string(static_cast<const char*>(bytes), 4) : "none";
+    };
+    Use(0x0411);
+    const HMODULE satellite = KtLang_InstFromLang(handle_);
+    const HRSRC ours = KtFindResource(handle_, MAKEINTRESOURCEW(40), data);
+    const HRSRC theirs = KtFindResource(handle_, MAKEINTRESOURCEW(41), data);
+    EXPECT_EQ(text(ours), "sate");
+    EXPECT_EQ(text(theirs), "more");
+    EXPECT_EQ(KtSizeofResource(handle_, ours), 9u);
+    EXPECT_EQ(KtSizeofResource(handle_, theirs), 0u);
+    EXPECT_EQ(KtFindResInstance(handle_, MAKEINTRESOURCEW(40), data), satellite);
+    EXPECT_EQ(KtFindResInstance(handle_, MAKEINTRESOURCEW(41), data), base_.Get());
+    EXPECT_EQ(KtFindResInstance(handle_, MAKEINTRESOURCEW(999), data), base_.Get());
+
+    const WCHAR* const types[] = {RT_BITMAP, RT_MENU, data};
+    int32_t index = 9;
+    EXPECT_EQ(KtFindResourceMulti(handle_, MAKEINTRESOURCEW(40), types, 3, &index), ours);
+    EXPECT_EQ(index, 2);
+    EXPECT_NE(KtFindResourceMulti(handle_, MAKEINTRESOURCEW(20), types, 3, &index), nullptr);
+    EXPECT_EQ(index, 1);
+    EXPECT_EQ(KtFindResourceMulti(handle_, MAKEINTRESOURCEW(41), types, 2, &index), nullptr);
+    EXPECT_EQ(index, -1);
+    EXPECT_EQ(KtFindResourceMulti(handle_, MAKEINTRESOURCEW(41), types, INT32_MIN, nullptr), nullptr);
+
+    Use(0x0409);
+    EXPECT_EQ(text(KtFindResource(handle_, MAKEINTRESOURCEW(40), data)), "base");
+    EXPECT_EQ(text(ours), "none");  // of a module that is not in use any more
+    EXPECT_EQ(KtSizeofResource(handle_, theirs), 4u);
+    EXPECT_EQ(KtFindResource(nullptr, MAKEINTRESOURCEW(40), data), nullptr);
+    EXPECT_EQ(KtLoadResource(nullptr, theirs), nullptr);
+    EXPECT_EQ(KtSizeofResource(nullptr, theirs), 0u);
+    EXPECT_EQ(KtFindResInstance(nullptr, MAKEINTRESOURCEW(40), data), nullptr);
+}
+
+TEST_F(Satellite, NamesItsLanguages) {
+    WCHAR text[32];
+    EXPECT_EQ(KtEnumResourceLanguages(handle_, 1, text, 32), 0);
+    Use(0x0411);
+    EXPECT_EQ(KtEnumResourceLanguages(handle_, 1, text, 32), 7);
+    const std::string names = platform::Utf8(text);
+    EXPECT_TRUE(names == "JPN,DEU" || names == "DEU,JPN") << names;
+    EXPECT_EQ(KtEnumResourceLanguages(handle_, 1, text, 5), 4);
+    EXPECT_EQ(KtEnumResourceLanguages(handle_, 2, text, 32), 0);
+    EXPECT_EQ(text[0], 0);
+    EXPECT_EQ(KtEnumResourceLanguages(nullptr, 1, text, 32), 0);
+}
+
+TEST_F(Satellite, CanBeReplaced) {
+    Use(0x0407);
+    EXPECT_EQ(Text(16), "deutsch");
+    EXPECT_EQ(KtLang_ChangeLangInst(handle_, nullptr), 1);
+    EXPECT_EQ(Text(16), "deutsch");
+    // Both handles free what they are given; the old satellite stays the caller's to free.
+    const platform::ScopedLibrary old(KtLang_InstFromLang(handle_));
+    WCHAR path[300];
+    ASSERT_GT(GetModuleFileNameW(base_.Get(), path, 300), 0u);
+    const HMODULE replacement = LoadLibraryW(path);
+    ASSERT_EQ(LoadLibraryW(path), replacement);
+    EXPECT_EQ(KtLang_ChangeLangInst(handle_, replacement), 1);
+    Use(0x0411);
+    EXPECT_EQ(Text(16), "base text");
+    EXPECT_EQ(KtLang_InstFromLang(clipfio::KernelLanguage()), replacement);
+    EXPECT_EQ(KtLang_ChangeLangInst(nullptr, replacement), 0);
+    FreeLibrary(replacement);  // the base module is not freed by the handle that has it as its base
+}
+
+TEST_F(Satellite, LaysWindowsOutAsTheLanguageIsWritten) {
+    for (const LCID lcid : {0x0401u, 0x0411u, 0x040Du, 0x0420u, 0x0429u, 0x0409u}) {
+        Use(lcid);
+        DWORD layout = 9;
+        ASSERT_TRUE(GetProcessDefaultLayout(&layout));
+        EXPECT_EQ(layout, lcid == 0x0411 || lcid == 0x0409 ? 0u : 1u) << std::hex << lcid;
+        EXPECT_EQ(KtLang_UseRTL(handle_), static_cast<int32_t>(layout));
+    }
+    KtLang_EnableProcessMirroring();
+    DWORD layout = 0;
+    EXPECT_TRUE(GetProcessDefaultLayout(&layout) && layout == 1);
+    KtLang_DisableProcessMirroring();
+    EXPECT_TRUE(GetProcessDefaultLayout(&layout) && layout == 0);
+}
+
+// Each allocation and each call of the platform fails once.
+TEST_F(Satellite, OpensWholeOrNotAtAll) {
+    for (int n = 0;; ++n) {
+        platform::faults::FailAfter(n);
+        HKTLANG lang = nullptr;
+        const HRESULT result = KtLang_Open(&lang, base_.Get(), 0x0407, 3);
+        const bool hit = platform::faults::Hit();
+        platform::faults::Clear();
+        // A satellite that cannot be loaded is no failure.
+        EXPECT_TRUE(lang ? result == S_OK : result == E_OUTOFMEMORY) << n;
+        if (lang) {
+            EXPECT_EQ(platform::Utf8(KtGetString(lang, 18)), "only in the base");
+        }
+        KtLang_Close(lang);
+        if (!hit) break;
+    }
+    const FailingNew fail(0);
+    HKTLANG lang = nullptr;
+    EXPECT_EQ(KtLang_Open(&lang, base_.Get(), 0, 0), E_OUTOFMEMORY);
+    EXPECT_EQ(lang, nullptr);
+}
+
+TEST_F(Satellite, GivesNoTextWhenItCannotBeKept) {
+    platform::faults::FailAfter(0);
+    EXPECT_EQ(Text(16), "");
+    platform::faults::Clear();
+    EXPECT_EQ(Text(16), "base text");
+}
+
+}  // namespace

@@ -1,0 +1,173 @@
+// The table of texts in all languages, and temporary text.
+#include <algorithm>
+#include <set>
+
+#include "kernel/string_rows.h"
+#include "kernel/string_table.h"
+#include "lang_fixture.h"
+
+namespace {
+
+using clipfio::g_string_table;
+
+std::string Utf8(const WCHAR* text) { return platform::Utf8(text); }
+
+using Strings = WithLanguage;
+
+TEST_F(Strings, AreInTheColumnOfTheLanguage) {
+    struct {
+        LCID lcid;
+        const char* cancel;
+    } const kRows[] = {
+        {0x0409, "Cancel"}, {0x0411, "キャンセル"}, {0x0407, "Abbrechen"}, {0x040A, "Cancelar"}, {0x040C, "Annuler"},
+        {0x0804, "取消"},   {0x0404, "取消"},       {0x0406, "Annuller"},  {0x040B, "Peruuta"},  {0x0410, "Annulla"},
+        {0x0412, "취소"},   {0x0413, "Annuleren"},  {0x0414, "Avbryt"},    {0x0416, "Cancelar"}, {0x0816, "Cancelar"},
+        {0x0419, "Отмена"}, {0x041D, "Avbryt"},     {0x0415, "Anuluj"},    {0x0809, "Cancel"},   {0x0807, "Abbrechen"},
+        {0x0439, "Cancel"}, {0xFFFFFFFF, "Cancel"}, {0x0C0C, "Annuler"},
+    };
+    for (const auto& row : kRows) {
+        ASSERT_EQ(KtLang_UpdateKernelLCID(handle_, row.lcid, 0), 1);
+        EXPECT_EQ(Utf8(KtGetString(handle_, clipfio::kKtStrCancel)), row.cancel) << std::hex << row.lcid;
+        EXPECT_EQ(Utf8(KtGetString(clipfio::KernelLanguage(), clipfio::kKtStrCancel)), row.cancel);
+    }
+    EXPECT_EQ(Utf8(KtGetString(nullptr, clipfio::kKtStrCancel)), "Cancel");
+}
+
+TEST_F(Strings, TellRegionsApartWhereTheyDiffer) {
+    struct {
+        LCID lcid;
+        int column;
+    } const kRows[] = {{0x0404, 7}, {0x0C04, 7},  {0x1404, 7},  {0x0804, 6}, {0x1004, 6},
+                       {0x7C04, 6}, {0x0416, 14}, {0x0816, 15}, {0x0016, 1}};
+    for (const auto& row : kRows) {
+        ASSERT_EQ(KtLang_UpdateKernelLCID(handle_, row.lcid, 0), 1);
+        const WCHAR* const text = KtGetString(handle_, clipfio::kKtStrYesToAll);
+        const auto& entries = reinterpret_cast<const KTLANGSTRINGROW*>(clipfio::kKtStrYesToAll)->entries;
+        EXPECT_EQ(std::find(std::begin(entries), std::end(entries), text) - std::begin(entries) + 1, row.column)
+            << std::hex << row.lcid;
+    }
+}
+
+// What a text asks the formatter for: each introducer with its conversion.
+std::vector<std::string> Conversions(const WCHAR* text) {
+    std::vector<std::string> found;
+    for (const std::string all = Utf8(text); const char c : all) {
+        const bool open = !found.empty() && found.back().find_first_of("dsucxz1", 1) == std::string::npos;
+        if (open) {
+            found.back() += c;
+        } else if (c == '%' || c == '$') {
+            found.emplace_back(1, c);
+        }
+    }
+    return found;
+}
+
+TEST(StringTable, HasEveryTextOfEveryRow) {
+    std::set<const WCHAR*> texts;
+    for (const KTLANGSTRINGROW& row : g_string_table.rows) {
+        EXPECT_EQ(row.signature, 0xFFFE);
+        EXPECT_EQ(row.count, 18);
+        EXPECT_EQ(row.reserved, 0u);
+        EXPECT_EQ(row.terminator, 0u);
+        const std::vector<std::string> wanted = Conversions(row.entries[0]);
+        for (const WCHAR* const entry : row.entries) {
+            EXPECT_NE(WStringView(entry), W("")) << Utf8(row.entries[0]);
+            EXPECT_EQ(Conversions(entry), wanted) << Utf8(row.entries[0]) << " / " << Utf8(entry);
+            EXPECT_LT(WStringView(entry).size(), 200u);
+            texts.insert(entry);
+        }
+        // A key to press is marked in each language or in none.
+        for (const WCHAR* const entry : row.entries) {
+            EXPECT_EQ(std::count(entry, entry + WStringView(entry).size(), W('&')),
+                      WStringView(row.entries[0]).find(W('&')) != WStringView::npos)
+                << Utf8(entry);
+        }
+    }
+    EXPECT_EQ(texts.size(), clipfio::kStringRows * kKtLanguages);
+    // Language by language: the texts of one follow each other, row after row.
+    const auto& rows = g_string_table.rows;
+    for (std::size_t column = 0; column < kKtLanguages; ++column) {
+        for (std::size_t row = 1; row < clipfio::kStringRows; ++row) {
+            const WCHAR* const before = rows[row - 1].entries[column];
+            EXPECT_EQ(rows[row].entries[column], before + WStringView(before).size() + 1);
+        }
+    }
+}
+
+TEST_F(Strings, OfOtherRowsAreAsTheRowsHaveThem) {
+    // Rows as another module would have them.
+    struct alignas(8) {
+        uint16_t signature = 0xFFFE, count = 1;
+        uint32_t reserved = 0;
+        const WCHAR* entries[2] = {W("one"), nullptr};
+    } single;
+    struct alignas(8) {
+        uint16_t signature = 0xFFFE, count = 0x0102;  // only the low byte counts
+        uint32_t reserved = 0;
+        const WCHAR* entries[3] = {W("^*two"), reinterpret_cast<const WCHAR*>(uintptr_t{77}), nullptr};
+    } pair;
+    const auto id_of = [](auto& row) { return reinterpret_cast<KTLANGSTRINGID>(&row); };
+    ASSERT_EQ(KtLang_UpdateKernelLCID(handle_, 0x0407, 0), 1);
+    EXPECT_EQ(Utf8(KtGetString(handle_, id_of(single))), "one");
+    // An id without a text: English, from then on.
+    EXPECT_EQ(Utf8(KtGetString(handle_, id_of(pair))), "^*two");
+    EXPECT_EQ(pair.entries[1], pair.entries[0]);
+    WCHAR text[20];
+    EXPECT_EQ(KtLoadString(handle_, id_of(pair), text, 20), 3);
+    EXPECT_EQ(Utf8(text), "two");
+    EXPECT_EQ(KtLoadString(handle_, id_of(single), text, 3), 2);
+    EXPECT_EQ(Utf8(text), "on");
+    EXPECT_EQ(KtLoadString(handle_, id_of(single), nullptr, 3), 0);
+    // Rows that are none, or have nothing.
+    pair.entries[0] = pair.entries[1] = reinterpret_cast<const WCHAR*>(uintptr_t{5});
+    EXPECT_EQ(Utf8(KtGetString(handle_, id_of(pair))), "");
+    single.count = 0;
+    EXPECT_EQ(Utf8(KtGetString(handle_, id_of(single))), "");
+    pair.signature = 0;
+    EXPECT_EQ(Utf8(KtGetString(handle_, id_of(pair))), "");
+    EXPECT_EQ(Utf8(KtGetString(handle_, KTLANGSTRINGID{})), "");
+}
+
+TEST_F(Strings, AreToldApartByTheirValues) {
+    alignas(8) static constexpr WCHAR kText[] = W("a text of its own");
+    ASSERT_EQ(KtLang_UpdateKernelLCID(handle_, 0x0415, 0), 1);
+    const auto* const row = reinterpret_cast<const WCHAR*>(clipfio::kKtStrCancel);
+    EXPECT_EQ(KtGetStringSmart(handle_, nullptr), nullptr);
+    EXPECT_EQ(KtGetStringSmart(handle_, kText), kText);
+    EXPECT_EQ(KtGetStringSmart(handle_, kText + 1), kText + 1);
+    EXPECT_EQ(Utf8(KtGetStringSmart(handle_, row)), "Anuluj");
+    EXPECT_EQ(Utf8(KtGetStringSmart(handle_, reinterpret_cast<const WCHAR*>(uintptr_t{0xFFFF}))), "");
+    EXPECT_TRUE(IsKTLANGSTRINGID(handle_, row));
+    EXPECT_TRUE(IsKTLANGSTRINGID(nullptr, row));
+    for (const WCHAR* const other : {kText, kText + 1, static_cast<const WCHAR*>(nullptr), row + 1}) {
+        EXPECT_FALSE(IsKTLANGSTRINGID(handle_, other));
+    }
+}
+
+TEST_F(Strings, AreConvertedByWayOfTheRing) {
+    const WCHAR* const wide = W("wide");
+    EXPECT_EQ(KtGetPrintFromWideString(handle_, wide), wide);
+    EXPECT_EQ(KtGetWideFromPrintString(handle_, wide), wide);
+    EXPECT_EQ(Utf8(KtGetPrintFromWideString(nullptr, wide)), "");
+    const std::string longest(1024, 'x');
+    const std::string longer(1025, 'x');
+    struct {
+        const char* narrow;
+        const char* wide;
+    } const kRows[] = {{"", ""},
+                       {"a\xE4\x80z", "a\u00E4\u20ACz"},
+                       {longest.c_str(), longest.c_str()},
+                       {longer.c_str(), ""},
+                       {nullptr, ""}};
+    for (const auto& row : kRows) {
+        EXPECT_EQ(Utf8(KtGetPrintFromMultiByteString(handle_, row.narrow)), row.wide);
+        EXPECT_EQ(Utf8(KtGetPrintFromMultiByteString(nullptr, row.narrow)), "");
+    }
+    EXPECT_STREQ(KtGetMultiByteFromPrintString(handle_, W("a\u00E4\u20ACz")), "a\xE4\x80z");
+    EXPECT_STREQ(KtGetMultiByteFromPrintString(handle_, nullptr), "");
+    EXPECT_STREQ(KtGetMultiByteFromPrintString(nullptr, W("x")), "");
+    EXPECT_STREQ(KtGetMultiByteFromPrintString(handle_, WString(511, W('y')).c_str()), std::string(511, 'y').c_str());
+    EXPECT_STREQ(KtGetMultiByteFromPrintString(handle_, WString(512, W('y')).c_str()), "");
+}
+
+}  // namespace

@@ -1,0 +1,509 @@
+// The metrics store through the module's exports: handles and paths, values of every type, deletion.
+#include "kernel/metrics.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <iostream>
+#include <memory>
+
+#include "platform/scoped.h"
+#include "support/child_roles.h"
+#include "support/test_registry.h"
+
+namespace {
+
+using platform::ScopedKey;
+using platform::Utf8;
+
+constexpr auto kTooSmall = static_cast<HRESULT>(0x8004E03Cu);
+constexpr auto kOtherType = static_cast<HRESULT>(0x8004E00Au);
+const auto kDefault = reinterpret_cast<HKTMETRIC>(UINTPTR_MAX);
+
+struct MetricTraits {
+    using Type = HKTMETRIC;
+    static Type Empty() noexcept { return nullptr; }
+    static bool IsSet(Type handle) noexcept { return handle != nullptr; }
+    static void Free(Type handle) noexcept { KtMetric_Close(handle); }
+};
+using ScopedMetric = platform::Scoped<MetricTraits>;
+
+bool KeyExists(HKEY hive, const WString& path) {
+    ScopedKey key;
+    return RegOpenKeyExW(hive, path.c_str(), 0, KEY_READ, key.Out()) == ERROR_SUCCESS;
+}
+
+// A company of this test's own, so that the real registry keeps what it has.
+class Metrics : public testing::Test {
+  protected:
+    void SetUp() override { ASSERT_EQ(Open(metrics_.Out()), S_OK); }
+
+    HRESULT Open(HKTMETRIC* out, uint32_t version = 0x0E020000, const WCHAR* sub_key = nullptr) const {
+        return KtMetric_OpenRegHiveAndVersion(out, W("Tester"), version, company_.c_str(), sub_key);
+    }
+    [[nodiscard]] WString Path(const WCHAR* rest) const { return root_ + W("\\Tester") + rest; }
+    [[nodiscard]] HKTMETRIC Handle() const { return metrics_.Get(); }
+    // The key behind the handle, by its path.
+    [[nodiscard]] ScopedKey Key() const {
+        ScopedKey key;
+        EXPECT_EQ(RegCreateKeyW(HKEY_CURRENT_USER, Path(W("\\14.2\\Metrics")).c_str(), key.Out()), 0);
+        return key;
+    }
+    void Put(const WCHAR* name, DWORD type, const void* data, size_t bytes) const {
+        EXPECT_EQ(RegSetValueExW(Key().Get(), name, 0, type, static_cast<const BYTE*>(data), static_cast<DWORD>(bytes)),
+                  0);
+    }
+
+    support::TestRegistry registry_;
+    const WString root_ = registry_.Root();
+    const WString company_ = root_.substr(WStringView(W("Software\\")).size());
+    ScopedMetric metrics_;
+};
+
+TEST_F(Metrics, LieWhereCompanyApplicationAndVersionSay) {
+    struct Row {
+        uint32_t version;
+        const WCHAR* sub_key;
+        const WCHAR* path;
+    };
+    const Row kRows[] = {
+        {0x0E02FFFF, nullptr, W("\\14.2\\Metrics")},
+        {0xFFFF0000, W(""), W("\\255.255\\Metrics")},
+        {0x01000000, W("Audio"), W("\\1.0\\Metrics\\Audio")},
+        {0x00030000, nullptr, W("\\Metrics")},
+        {0, W("a\\b"), W("\\Metrics\\a\\b")},
+    };
+    for (const Row& row : kRows) {
+        ScopedMetric metrics;
+        EXPECT_EQ(Open(metrics.Out(), row.version, row.sub_key), S_OK);
+        EXPECT_EQ(KtSetMetric(metrics.Get(), 1, row.version + 1), S_OK);
+        ScopedKey key;
+        ASSERT_EQ(RegOpenKeyExW(HKEY_CURRENT_USER, Path(row.path).c_str(), 0, KEY_READ, key.Out()), 0)
+            << Utf8(row.path);
+        DWORD value = 0, bytes = sizeof value;
+        EXPECT_EQ(RegQueryValueExW(key.Get(), W("1"), nullptr, nullptr, reinterpret_cast<BYTE*>(&value), &bytes), 0);
+        EXPECT_EQ(value, row.version + 1);
+    }
+}
+
+TEST_F(Metrics, OpenSubKeysBesideEachOther) {
+    ScopedMetric audio, video, outside, below;
+    ASSERT_EQ(Open(audio.Out(), 0, W("Audio\\Deep")), S_OK);
+    EXPECT_EQ(KtMetric_OpenSubKey(video.Out(), audio.Get(), W("Video")), S_OK);
+    EXPECT_TRUE(KeyExists(HKEY_CURRENT_USER, Path(W("\\Metrics\\Video"))));
+    ASSERT_EQ(KtMetric_OpenAppVersion(outside.Out(), root_.c_str(), W("Plain")), S_OK);
+    EXPECT_TRUE(KeyExists(HKEY_CURRENT_USER, root_ + W("\\Plain")));
+    EXPECT_EQ(KtMetric_OpenSubKey(below.Out(), outside.Get(), nullptr), S_OK);
+    EXPECT_TRUE(KeyExists(HKEY_CURRENT_USER, root_ + W("\\Plain\\Metrics")));
+}
+
+TEST_F(Metrics, OpeningRefusesWhatNamesNothing) {
+    const auto refused = [](HRESULT expected, auto open) {
+        auto handle = kDefault;
+        EXPECT_EQ(open(&handle), expected);
+        EXPECT_EQ(handle, nullptr);
+    };
+    refused(E_FAIL, [](HKTMETRIC* out) { return KtMetric_OpenSubKey(out, nullptr, W("x")); });
+    refused(E_FAIL, [](HKTMETRIC* out) { return KtMetric_OpenSubKey(out, kDefault, W("x")); });
+    for (const WCHAR* nothing : {static_cast<const WCHAR*>(nullptr), W("")}) {
+        refused(E_INVALIDARG, [=](HKTMETRIC* out) { return KtMetric_Open(out, nothing, 0, W("x")); });
+        refused(E_INVALIDARG, [=](HKTMETRIC* out) { return KtMetric_OpenAppVersion(out, nothing, W("x")); });
+        EXPECT_EQ(KtMetric_DeleteAll(nothing, 0), E_INVALIDARG);
+        EXPECT_EQ(KtMetric_DeleteUserMetrics(nothing, 0), E_INVALIDARG);
+        EXPECT_EQ(KtMetric_DeleteKey(nothing, 0, W("x")), E_INVALIDARG);
+    }
+    EXPECT_EQ(KtMetric_DeleteAllHiveAndVersion(W("x"), 0, W("")), E_INVALIDARG);
+    EXPECT_EQ(KtMetric_Open(nullptr, W("x"), 0, nullptr), E_INVALIDARG);
+}
+
+TEST_F(Metrics, AKeyThatCannotBeOpenedLeavesAHandleWithoutValues) {
+    ScopedMetric metrics;
+    EXPECT_EQ(KtMetric_OpenAppVersion(metrics.Out(), W("\\leads nowhere"), nullptr),
+              HRESULT_FROM_WIN32(ERROR_BAD_PATHNAME));
+    ASSERT_NE(metrics.Get(), nullptr);
+    uint32_t got = 9;
+    WCHAR text[8];
+    EXPECT_EQ(KtGetMetric(metrics.Get(), 1), 0u);
+    EXPECT_EQ(KtGetMetricEx(metrics.Get(), 1, 0, 10, 20), 10u) << "the fallback, limited";
+    EXPECT_EQ(KtSetMetric(metrics.Get(), 1, 2), E_FAIL);
+    EXPECT_EQ(KtSetMetricUsingName(metrics.Get(), W("x"), 2), E_FAIL);
+    EXPECT_EQ(KtGetMetricAny(metrics.Get(), 1, REG_SZ, text, sizeof text, &got), E_UNEXPECTED);
+    EXPECT_EQ(KtGetMetricBinaryEx(metrics.Get(), 1, text, sizeof text, &got), kOtherType);
+    EXPECT_EQ(KtGetMetricStringEx(metrics.Get(), 1, text, 8, W("none"), 1), 4);
+    EXPECT_EQ(KtDoesMetricExist(metrics.Get(), 1, REG_DWORD), 1);
+    EXPECT_EQ(KtDeleteMetric(metrics.Get(), 1, REG_DWORD), S_FALSE);
+}
+
+TEST_F(Metrics, NoHandleMeansNoStore) {
+    for (const HKTMETRIC none : {static_cast<HKTMETRIC>(nullptr), kDefault}) {
+        uint32_t got = 9;
+        char data[4] = {1, 2, 3, 4};
+        WCHAR text[8] = W("old");
+        EXPECT_EQ(KtGetMetric(none, 1), 0u);
+        EXPECT_EQ(KtGetMetricEx(none, 1, 0, 10, 20), 20u) << "without any limit";
+        EXPECT_EQ(KtGetMetricBool(none, 1, 5), 1);
+        EXPECT_EQ(KtGetMetricUsingName(none, W("x"), 7), 7u);
+        EXPECT_EQ(KtSetMetric(none, 1, 1), E_FAIL);
+        EXPECT_EQ(KtSetMetricString(none, 1, W("x")), E_FAIL);
+        EXPECT_EQ(KtSetMetricMultiString(none, 1, W("x\0"), 3), E_FAIL);
+        EXPECT_EQ(KtSetMetricBinary(none, 1, data, 4), E_FAIL);
+        EXPECT_EQ(KtGetMetricAny(none, 1, REG_BINARY, data, 4, &got), E_UNEXPECTED);
+        EXPECT_EQ(got, 0u);
+        EXPECT_EQ(KtGetMetricBinaryEx(none, 1, data, 4, &got), kOtherType);
+        EXPECT_EQ(data[3], 0);
+        EXPECT_EQ(KtGetMetricStringEx(none, 1, text, 8, nullptr, 0), 0);
+        EXPECT_EQ(text[0], 0);
+        EXPECT_EQ(KtDoesMetricExist(none, 1, REG_DWORD), 1);
+        EXPECT_EQ(KtDeleteMetric(none, 1, REG_DWORD), S_FALSE);
+        EXPECT_EQ(KtDeleteMetricUsingName(none, W("x"), REG_DWORD), S_FALSE);
+        EXPECT_EQ(KtMetric_Close(none), S_OK);
+        EXPECT_EQ(KtMetric_CloseAndDeleteKey(none), E_FAIL);
+    }
+}
+
+TEST_F(Metrics, NamesAreNumbersWithALetter) {
+    struct Row {
+        int32_t metric;
+        uint32_t type;
+        const char* name;
+        const WCHAR* stored;
+    };
+    const Row kRows[] = {
+        {5, REG_DWORD, "D5", W("5")},
+        {-5, REG_DWORD, "D5", W("5")},
+        {0, REG_SZ, "S0", W("S0")},
+        {-12, REG_BINARY, "B12", W("B12")},
+        {7, REG_MULTI_SZ, "Z7", W("Z7")},
+        {INT32_MAX, 99, "Z2147483647", W("Z2147483647")},
+        {INT32_MIN, REG_SZ, "S2147483648", W("S2147483648")},
+    };
+    for (const Row& row : kRows) {
+        WCHAR name[12];
+        EXPECT_EQ(KtMetricGetName(row.metric, row.type, name), static_cast<int32_t>(std::strlen(row.name)));
+        EXPECT_EQ(Utf8(name), row.name);
+        Put(row.stored, row.type, "\0\0", 2);
+        EXPECT_EQ(KtDoesMetricExist(Handle(), row.metric, row.type), 0) << row.name;
+        EXPECT_EQ(KtDeleteMetric(Handle(), row.metric, row.type), S_OK);
+        EXPECT_EQ(KtDoesMetricExist(Handle(), row.metric, row.type), 1);
+        EXPECT_EQ(KtDeleteMetric(Handle(), row.metric, row.type), E_FAIL);
+    }
+    EXPECT_EQ(KtMetricGetName(1, REG_SZ, nullptr), 0);
+}
+
+TEST_F(Metrics, NumbersAreLimited) {
+    ASSERT_EQ(KtSetMetric(Handle(), -5, 20), S_OK);
+    struct Row {
+        int32_t lowest, highest, fallback;
+        uint32_t stored, absent;
+    };
+    for (const Row& row : {Row{0, 10, 3, 10, 3},
+                           {0, 0, 77, 20, 77},
+                           {30, 40, 3, 30, 30},
+                           {-10, 10, -20, 10, 0xFFFFFFF6},
+                           {7, 7, 1, 20, 1},
+                           {0, INT32_MAX, 5, 20, 5}}) {
+        EXPECT_EQ(KtGetMetricEx(Handle(), 5, row.lowest, row.highest, row.fallback), row.stored);
+        EXPECT_EQ(KtGetMetricEx(Handle(), 6, row.lowest, row.highest, row.fallback), row.absent);
+    }
+    KtSetMetric(Handle(), 8, 0xFFFFFFFF);
+    EXPECT_EQ(KtGetMetric(Handle(), 8), 0xFFFFFFFFu);
+    EXPECT_EQ(KtGetMetricEx(Handle(), 8, 0, 10, 5), 0u) << "as a signed number";
+    EXPECT_EQ(KtGetMetricBool(Handle(), 8, 0), 1);
+    EXPECT_EQ(KtGetMetricBool(Handle(), 9, 1), 1);
+    EXPECT_EQ(KtGetMetricBool(Handle(), 9, 0), 0);
+
+    // What is no number of four bytes is no number.
+    for (const auto& [type, bytes] :
+         {std::pair<DWORD, size_t>{REG_SZ, 4}, {REG_DWORD, 2}, {REG_DWORD, 8}, {REG_BINARY, 4}}) {
+        Put(W("5"), type, "\1\0\0\0\0\0\0\0", bytes);
+        EXPECT_EQ(KtGetMetric(Handle(), 5), 0u) << type << ", " << bytes;
+    }
+    EXPECT_EQ(KtSetMetricUsingName(Handle(), W("Some name"), 44), S_OK);
+    EXPECT_EQ(KtGetMetricUsingName(Handle(), W("SOME NAME"), 1), 44u);
+    EXPECT_EQ(KtGetMetricUsingName(Handle(), W("another"), 1), 1u);
+    EXPECT_EQ(KtDeleteMetricUsingName(Handle(), W("Some name"), REG_DWORD), S_OK);
+    EXPECT_EQ(KtDeleteMetricUsingName(Handle(), W("Some name"), REG_DWORD), E_FAIL);
+}
+
+TEST_F(Metrics, AnyTypeIntoABuffer) {
+    const char bytes[] = "\1\2\3\4\5";
+    Put(W("B1"), REG_BINARY, bytes, 5);
+    Put(W("B2"), REG_SZ, bytes, 5);
+    KtSetMetricString(Handle(), 1, W("abc"));  // 8 bytes
+    Put(W("S2"), REG_SZ, W("abcd"), 6);        // without its terminator
+    Put(W("S3"), REG_SZ, "a\0b\0cd", 5);       // and without half a character
+    KtSetMetric(Handle(), 1, 7);
+    struct Row {
+        int32_t metric;
+        uint32_t type;
+        uint32_t size;
+        HRESULT result;
+        uint32_t got;
+        const char* text;  // of a text
+    };
+    const Row kRows[] = {
+        {1, REG_BINARY, 16, S_OK, 5, nullptr},
+        {1, REG_BINARY, 5, S_OK, 5, nullptr},
+        {1, REG_BINARY, 4, kTooSmall, 5, nullptr},
+        {2, REG_BINARY, 16, kOtherType, 0, nullptr},
+        {9, REG_BINARY, 16, S_OK, 0, nullptr},
+        {1, REG_DWORD, 4, S_OK, 4, nullptr},
+        {1, REG_SZ, 16, S_OK, 8, "abc"},
+        {1, REG_SZ, 8, S_OK, 8, "abc"},
+        {1, REG_SZ, 6, kTooSmall, 8, "ab"},
+        {1, REG_SZ, 5, kTooSmall, 8, "a"},
+        {1, REG_SZ, 2, kTooSmall, 8, ""},
+        {1, REG_SZ, 1, kTooSmall, 8, nullptr},
+        {2, REG_SZ, 16, S_OK, 6, "abc"},
+        {2, REG_SZ, 7, kTooSmall, 8, "ab"},
+        {2, REG_SZ, 6, kTooSmall, 8, "ab"},
+        {3, REG_SZ, 16, S_OK, 5, "ab"},
+        {9, REG_SZ, 16, S_OK, 0, ""},
+    };
+    for (const Row& row : kRows) {
+        SCOPED_TRACE(std::to_string(row.type) + ", " + std::to_string(row.metric) + ", " + std::to_string(row.size));
+        WCHAR data[10];
+        std::memset(data, '#', sizeof data);
+        uint32_t got = 99;
+        EXPECT_EQ(KtGetMetricAny(Handle(), row.metric, row.type, data, row.size, &got), row.result);
+        EXPECT_EQ(got, row.got);
+        EXPECT_EQ(reinterpret_cast<const char*>(data)[row.size], '#');
+        if (row.text) {
+            EXPECT_EQ(Utf8(data), row.text);
+        }
+        if (row.type == REG_BINARY && row.got == 5 && row.result == S_OK) {
+            EXPECT_EQ(std::memcmp(data, bytes, 5), 0);
+        }
+    }
+    uint32_t got = 0;
+    EXPECT_EQ(KtGetMetricAny(Handle(), 1, REG_SZ, nullptr, 0, &got), S_OK) << "its size only";
+    EXPECT_EQ(got, 8u);
+    WCHAR text[8];
+    EXPECT_EQ(KtGetMetricAny(Handle(), 1, REG_SZ, text, sizeof text, nullptr), S_OK);
+}
+
+TEST_F(Metrics, BinaryData) {
+    ASSERT_EQ(KtSetMetricBinary(Handle(), 1, "12345", 5), S_OK);
+    ASSERT_EQ(KtSetMetricBinary(Handle(), 2, nullptr, 0), S_OK);
+    Put(W("B3"), REG_SZ, "1234", 4);
+    EXPECT_EQ(KtSetMetricBinary(Handle(), 1, nullptr, 5), E_FAIL);
+    struct Row {
+        int32_t metric;
+        uint32_t size;
+        HRESULT result;
+        uint32_t got;
+        std::string data;
+    };
+    const Row kRows[] = {
+        {1, 8, S_OK, 5, std::string("12345\0\0\0", 8)}, {1, 5, S_OK, 5, "12345"},
+        {1, 4, kTooSmall, 5, std::string(4, '\0')},     {2, 3, S_OK, 0, std::string(3, '\0')},
+        {3, 8, S_FALSE, 0, std::string(8, '\0')},       {4, 8, S_FALSE, 0, std::string(8, '\0')},
+    };
+    for (const Row& row : kRows) {
+        std::string data(row.size + 1, '#');
+        uint32_t got = 99;
+        EXPECT_EQ(KtGetMetricBinaryEx(Handle(), row.metric, data.data(), row.size, &got), row.result) << row.metric;
+        EXPECT_EQ(got, row.got);
+        EXPECT_EQ(data, row.data + '#');
+        data.assign(row.size + 1, '#');
+        EXPECT_EQ(KtGetMetricBinary(Handle(), row.metric, data.data(), row.size), row.result == S_OK ? row.got : 0);
+        EXPECT_EQ(data, row.data + '#');
+    }
+    uint32_t got = 0;
+    EXPECT_EQ(KtGetMetricBinaryEx(Handle(), 1, nullptr, 0, &got), S_OK);
+    EXPECT_EQ(got, 5u);
+    EXPECT_EQ(KtGetMetricBinaryEx(Handle(), 1, nullptr, 0, nullptr), E_INVALIDARG);
+}
+
+TEST_F(Metrics, Texts) {
+    const WString two(W("a\0b\0\0"), 5);
+    const auto put = [&](int32_t metric, WStringView data) {  // as it stands, in both kinds
+        Put((W("S") + platform::Wide(std::to_string(metric))).c_str(), REG_SZ, data.data(),
+            data.size() * sizeof(WCHAR));
+        Put((W("Z") + platform::Wide(std::to_string(metric))).c_str(), REG_MULTI_SZ, data.data(),
+            data.size() * sizeof(WCHAR));
+    };
+    put(1, WStringView(W("abc"), 4));
+    put(2, WStringView(W(""), 1));
+    put(3, W("abc"));
+    put(4, W(""));
+    put(5, two);
+    Put(W("S7"), REG_BINARY, "a\0b\0", 4);
+    Put(W("Z7"), REG_SZ, "a\0b\0", 4);
+    struct Row {
+        int32_t metric;
+        int32_t size;
+        const WCHAR* fallback;
+        int32_t allow_empty;
+        int32_t result;
+        WString text;
+    };
+    const Row kRows[] = {
+        {1, 10, W("none"), 0, 3, W("abc")},  {1, 4, W("none"), 0, 3, W("abc")},
+        {1, 3, W("none"), 0, 2, W("no")},    {1, 3, nullptr, 0, 0, W("")},
+        {2, 10, W("none"), 0, 4, W("none")}, {2, 10, W("none"), 1, 0, W("")},
+        {2, 10, nullptr, 0, 0, W("")},       {3, 10, W("none"), 0, 3, W("abc")},
+        {3, 3, W("none"), 0, 2, W("no")},    {4, 10, W("none"), 1, 0, W("")},
+        {4, 10, W("none"), 0, 4, W("none")}, {5, 10, W("none"), 0, 4, two.substr(0, 4)},
+        {6, 10, W("none"), 1, 4, W("none")}, {6, 10, nullptr, 1, 0, W("")},
+        {7, 10, W("none"), 1, 4, W("none")}, {1, 1, W("none"), 0, 0, W("")},
+    };
+    for (const Row& row : kRows) {
+        SCOPED_TRACE(std::to_string(row.metric) + ", " + std::to_string(row.size));
+        for (const auto read : {KtGetMetricStringEx, KtGetMetricMultiStringEx}) {
+            WString buffer(11, W('#'));
+            EXPECT_EQ(read(Handle(), row.metric, buffer.data(), row.size, row.fallback, row.allow_empty), row.result);
+            WString expected = row.text;
+            expected.resize(static_cast<size_t>(row.size));
+            EXPECT_EQ(buffer, expected + WString(11 - expected.size(), W('#')));
+        }
+    }
+    EXPECT_EQ(KtGetMetricStringEx(Handle(), 1, nullptr, 10, W("x"), 0), 0);
+    EXPECT_EQ(KtSetMetricString(Handle(), 1, nullptr), E_FAIL);
+    EXPECT_EQ(KtSetMetricMultiString(Handle(), 1, nullptr, 2), E_FAIL);
+    EXPECT_EQ(KtSetMetricMultiString(Handle(), 1, W("x"), 0x80000000), E_FAIL);
+
+    // What is set lies there with its terminators.
+    uint32_t got = 0;
+    EXPECT_EQ(KtSetMetricString(Handle(), 8, W("")), S_OK);
+    EXPECT_EQ(KtGetMetricAny(Handle(), 8, REG_SZ, nullptr, 0, &got), S_OK);
+    EXPECT_EQ(got, 2u);
+    EXPECT_EQ(KtSetMetricMultiString(Handle(), 8, two.c_str(), 5), S_OK);
+    EXPECT_EQ(KtGetMetricAny(Handle(), 8, REG_MULTI_SZ, nullptr, 0, &got), S_OK);
+    EXPECT_EQ(got, 10u);
+}
+
+platform::ComPtr<IStream> StreamOf(const std::string& content) {
+    platform::ComPtr<IStream> stream;
+    EXPECT_EQ(CreateStreamOnHGlobal(nullptr, TRUE, stream.Out()), S_OK);
+    EXPECT_EQ(stream->Write(content.data(), static_cast<ULONG>(content.size()), nullptr), S_OK);
+    return stream;
+}
+
+std::string ContentOf(IStream* stream) {
+    std::string content(5000, '\0');
+    ULONG read = 0;
+    stream->Seek(LARGE_INTEGER{}, STREAM_SEEK_SET, nullptr);
+    stream->Read(content.data(), 5000, &read);
+    return content.substr(0, read);
+}
+
+TEST_F(Metrics, Streams) {
+    struct Row {
+        size_t size;
+        HRESULT result;
+    };
+    for (const Row& row : {Row{2049, E_INVALIDARG}, Row{0, E_UNEXPECTED}, Row{1, S_OK}, Row{2048, S_OK}}) {
+        const std::string content(row.size, 's');
+        const auto from = StreamOf(content);
+        EXPECT_EQ(KtSetMetricStream(Handle(), 1, from.Get()), row.result) << row.size;
+        const auto to = StreamOf("");
+        EXPECT_EQ(KtGetMetricStream(Handle(), 1, to.Get()), row.result == S_OK ? S_OK : E_UNEXPECTED);
+        if (row.result == S_OK) {
+            EXPECT_EQ(ContentOf(to.Get()), content);
+        }
+    }
+    const auto other = StreamOf("something longer");
+    ASSERT_EQ(KtSetMetricBinary(Handle(), 2, "short", 5), S_OK);
+    EXPECT_EQ(KtGetMetricStream(Handle(), 2, other.Get()), S_OK);
+    EXPECT_EQ(ContentOf(other.Get()), "shorthing longer") << "from the start on";
+    for (const HKTMETRIC none : {static_cast<HKTMETRIC>(nullptr), kDefault}) {
+        EXPECT_EQ(KtSetMetricStream(none, 1, other.Get()), E_FAIL);
+        EXPECT_EQ(KtGetMetricStream(none, 1, other.Get()), E_UNEXPECTED);
+    }
+    EXPECT_EQ(KtSetMetricStream(Handle(), 1, nullptr), E_INVALIDARG);
+    EXPECT_EQ(KtGetMetricStream(Handle(), 1, nullptr), E_INVALIDARG);
+}
+
+TEST_F(Metrics, DeletionTakesTheApplicationOrItsMetrics) {
+    const auto make = [&](HKEY hive, const WCHAR* path) {
+        ScopedKey key;
+        return RegCreateKeyW(hive, Path(path).c_str(), key.Out()) == ERROR_SUCCESS;
+    };
+    const auto exists = [&](const WCHAR* path) { return KeyExists(HKEY_CURRENT_USER, Path(path)); };
+    const bool has_machine = make(HKEY_LOCAL_MACHINE, W("\\14.2\\Metrics\\m"));
+    make(HKEY_CURRENT_USER, W("\\14.2\\Metrics\\a\\b"));
+    make(HKEY_CURRENT_USER, W("\\14.2\\Metrics\\c"));
+    make(HKEY_CURRENT_USER, W("\\14.2\\Other"));
+    make(HKEY_CURRENT_USER, W("\\15.0\\Metrics"));
+    const WCHAR* const company = company_.c_str();
+
+    EXPECT_EQ(KtMetric_DeleteKeyHiveAndVersion(W("Tester"), 0x0E020000, company, W("a")), S_OK);
+    EXPECT_FALSE(exists(W("\\14.2\\Metrics\\a")));
+    EXPECT_TRUE(exists(W("\\14.2\\Metrics\\c")));
+    EXPECT_EQ(KtMetric_DeleteKeyHiveAndVersion(W("Tester"), 0x0E020000, company, nullptr), S_OK);
+    EXPECT_FALSE(exists(W("\\14.2\\Metrics")));
+    EXPECT_TRUE(exists(W("\\14.2\\Other")));
+    if (has_machine) {
+        EXPECT_FALSE(KeyExists(HKEY_LOCAL_MACHINE, Path(W("\\14.2\\Metrics"))));
+    }
+    EXPECT_EQ(KtMetric_DeleteAllHiveAndVersion(W("Tester"), 0x0E020000, company), S_OK);
+    EXPECT_FALSE(exists(W("\\14.2")));
+    if (has_machine) {
+        EXPECT_FALSE(KeyExists(HKEY_LOCAL_MACHINE, Path(W("\\14.2"))));
+    }
+    EXPECT_TRUE(exists(W("\\15.0\\Metrics")));
+    EXPECT_EQ(KtMetric_DeleteAllHiveAndVersion(W("Tester"), 0x0E020000, company), S_OK) << "nothing is left to delete";
+    EXPECT_EQ(KtMetric_DeleteAllHiveAndVersion(WString(300, W('n')).c_str(), 0, company), E_INVALIDARG);
+
+    HKTMETRIC fifteen = nullptr;
+    ASSERT_EQ(Open(&fifteen, 0x0F000000, W("x")), S_OK);
+    EXPECT_EQ(KtMetric_CloseAndDeleteKey(fifteen), S_OK);
+    EXPECT_FALSE(exists(W("\\15.0\\Metrics\\x")));
+    EXPECT_TRUE(exists(W("\\15.0\\Metrics")));
+}
+
+TEST_F(Metrics, RegistryHelpers) {
+    ScopedKey key;
+    for (const WCHAR* path : {W("\\one"), W("\\three"), W("\\three\\x\\y")}) {
+        ASSERT_EQ(RegCreateKeyW(HKEY_CURRENT_USER, (root_ + W("\\Keys") + path).c_str(), key.Out()), 0);
+    }
+    const WString keys = root_ + W("\\Keys");
+    uint32_t longest = 9;
+    EXPECT_EQ(KtRegGetSubKeyCount(HKEY_CURRENT_USER, keys.c_str(), &longest), 2u);
+    EXPECT_EQ(longest, 6u);
+    EXPECT_EQ(KtRegGetSubKeyCount(HKEY_CURRENT_USER, keys.c_str(), nullptr), 2u);
+    EXPECT_EQ(KtRegDeleteKey(HKEY_CURRENT_USER, keys.c_str()), 1);
+    EXPECT_EQ(KtRegDeleteKey(HKEY_CURRENT_USER, keys.c_str()), 1) << "not there is deleted";
+    EXPECT_EQ(KtRegGetSubKeyCount(HKEY_CURRENT_USER, keys.c_str(), &longest), 0u);
+    EXPECT_EQ(longest, 0u);
+    EXPECT_EQ(KtRegDeleteKey(HKEY_CURRENT_USER, W("")), 0);
+    EXPECT_EQ(KtRegDeleteKey(HKEY_CURRENT_USER, nullptr), 0);
+    EXPECT_EQ(KtRegDeleteKey(nullptr, W("x")), 0);
+}
+
+// Two values in turn, so that a reader that sees half of one would tell.
+CHILD_ROLE(metrics_writer) {
+    ScopedMetric metrics;
+    if (KtMetric_OpenRegHiveAndVersion(metrics.Out(), W("Tester"), 0x0E020000, platform::Wide(arguments[0]).c_str(),
+                                       nullptr) != S_OK) {
+        return 2;
+    }
+    for (int i = 0; i < 200; ++i) {
+        const WString text(static_cast<size_t>(1 + i % 2 * 200), i % 2 ? W('l') : W('s'));
+        if (KtSetMetricString(metrics.Get(), 1, text.c_str()) != S_OK) return 3;
+        if (KtSetMetric(metrics.Get(), std::stoi(arguments[1]) + i, 1) != S_OK) return 4;
+    }
+    return 0;
+}
+
+TEST_F(Metrics, ServeSeveralProcesses) {
+    ASSERT_EQ(KtSetMetricString(Handle(), 1, W("s")), S_OK);
+    std::vector<std::unique_ptr<support::ChildProcess>> children;
+    for (const char* first : {"1000", "2000", "3000"}) {
+        children.push_back(
+            std::make_unique<support::ChildProcess>("metrics_writer", support::RoleArguments{Utf8(company_), first}));
+        ASSERT_TRUE(children.back()->Started());
+    }
+    for (int i = 0; i < 200; ++i) {
+        WCHAR text[300];
+        const int32_t length = KtGetMetricStringEx(Handle(), 1, text, 300, nullptr, 0);
+        ASSERT_TRUE((length == 1 && text[0] == W('s')) || (length == 201 && text[200] == W('l'))) << length;
+    }
+    for (const auto& child : children) EXPECT_EQ(child->Wait(), 0u);
+    for (const int first : {1000, 2000, 3000}) {
+        for (int i = 0; i < 200; ++i) ASSERT_EQ(KtGetMetric(Handle(), first + i), 1u) << first + i;
+    }
+}
+
+}  // namespace

@@ -1,0 +1,269 @@
+// Numbers to text and back, through the built module.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+
+#include "kernel/number_text.h"
+#include "kernel/number_to_text.h"
+#include "kernel/text_to_number.h"
+#include "support/in_locale.h"
+
+namespace {
+
+using support::InLocale;
+
+constexpr auto kLeast32 = std::numeric_limits<int32_t>::min();
+constexpr auto kMost32 = std::numeric_limits<int32_t>::max();
+constexpr auto kLeast64 = std::numeric_limits<int64_t>::min();
+constexpr auto kMost64 = std::numeric_limits<int64_t>::max();
+constexpr auto kMostU64 = std::numeric_limits<uint64_t>::max();
+
+template <class Call>
+std::string Text(Call call) {
+    WCHAR text[64] = {W('~'), 0};
+    const int32_t length = call(text);
+    EXPECT_EQ(static_cast<std::size_t>(length), WStringView(text).size());
+    return platform::Utf8(text);
+}
+
+TEST(NumberToText, WritesEveryType) {
+    for (const bool grouped : {false, true}) {
+        const InLocale locale(0x0409);
+        if (grouped && !locale.IsSet()) continue;
+        const auto pick = [grouped](const char* plain, const char* groups) { return grouped ? groups : plain; };
+        EXPECT_EQ(Text([&](WCHAR* out) { return KtDWordToText(4294967295, out, grouped); }),
+                  pick("4294967295", "4,294,967,295"));
+        EXPECT_EQ(Text([&](WCHAR* out) { return KtDWordLongToText(kMostU64, out, grouped); }),
+                  pick("18446744073709551615", "18,446,744,073,709,551,615"));
+        EXPECT_EQ(Text([&](WCHAR* out) { return KtLongToText(kLeast32, out, grouped); }),
+                  pick("-2147483648", "-2,147,483,648"));
+        EXPECT_EQ(Text([&](WCHAR* out) { return KtLongLongToText(kLeast64, out, grouped); }),
+                  pick("-9223372036854775808", "-9,223,372,036,854,775,808"));
+        EXPECT_EQ(Text([&](WCHAR* out) { return KtLongToText(0, out, grouped); }), "0");
+        EXPECT_EQ(Text([&](WCHAR* out) { return KtDWordLongToText(0, out, grouped); }), "0");
+    }
+}
+
+TEST(NumberToText, KeepsToTheSize) {
+    const InLocale locale(0x0409);
+    struct Row {
+        int32_t size;
+        int32_t grouped;
+        int32_t result;  // of the forms that tell of a cut
+        const char* text;
+    };
+    const Row rows[] = {{0, 0, 0, "~"},       {1, 0, 0, "~"},       {2, 0, 0, "1"},         {7, 0, 0, "123456"},
+                        {8, 0, 7, "1234567"}, {9, 1, 0, "1234567"}, {10, 1, 9, "1,234,567"}};
+    for (const Row& row : rows) {
+        if (row.grouped && !locale.IsSet()) continue;
+        const auto check = [&row](auto call, auto value) {
+            WCHAR text[20] = {W('~'), 0};
+            EXPECT_EQ(call(value, text, row.size, row.grouped), row.result) << row.size;
+            EXPECT_EQ(platform::Utf8(text), row.text);
+        };
+        check(KtDWordToTextN, 1234567u);
+        check(KtLongToTextN, 1234567);
+        check(KtLongLongToTextN, int64_t{1234567});
+        WCHAR text[20] = {W('~'), 0};
+        const int32_t length = KtDWordLongToTextN(1234567, text, row.size, row.grouped);
+        EXPECT_EQ(static_cast<std::size_t>(length), row.size > 0 ? WStringView(text).size() : 0);
+    }
+}
+
+TEST(NumberToText, RoundsDoubles) {
+    struct Row {
+        double value;
+        int32_t decimals;
+        const char* text;
+    };
+    // Half a step is that of a step in single precision.
+    const Row rows[] = {
+        {-0.004, 2, "0.00"},
+        {-0.006, 2, "-0.01"},
+        {-0.005, 2, "0.00"},
+        {0.0499999994, 1, "0.1"},
+        {1.999, 2, "2.00"},
+        {0.5, 0, "1"},
+        {0.4, 0, "0"},
+        {-1.5, 0, "-2"},
+        {1.05, 2, "1.05"},
+        {123456.789, 1, "123456.8"},
+        {0.000000001, 9, "0.000000001"},
+        {1.5, 20, "1.500000000"},
+        {1.5, -3, "2"},
+        {1e30, 2, "18446744073709551615.00"},
+        {-1e30, 0, "-18446744073709551615"},
+        {0.05, 1, "0.1"},
+        {0.95, 1, "1.0"},
+        {std::nan(""), 1, "0.0"},
+        {-std::numeric_limits<double>::infinity(), 0, "-18446744073709551615"},
+    };
+    for (const Row& row : rows) {
+        EXPECT_EQ(Text([&](WCHAR* out) { return KtDoubleToText(out, row.value, row.decimals, 0); }), row.text);
+    }
+    const InLocale locale(0x0407);
+    if (locale.IsSet()) {
+        EXPECT_EQ(Text([](WCHAR* out) { return KtDoubleToText(out, -1234567.128, 2, 1); }), "-1.234.567,13");
+        EXPECT_EQ(Text([](WCHAR* out) { return KtDoubleToText(out, 0, 1, 1); }), "0,0");
+        EXPECT_EQ(Text([](WCHAR* out) { return KtDoubleToTextN(out, 6, 1234.5, 1, 1); }), "1234.");
+    }
+    EXPECT_EQ(Text([](WCHAR* out) { return KtDoubleToTextN(out, 5, 12.345, 3, 0); }), "12.3");
+    WCHAR untouched = W('~');
+    EXPECT_EQ(KtDoubleToTextN(&untouched, 0, 1, 0, 0), 0);
+    EXPECT_EQ(untouched, W('~'));
+}
+
+TEST(NumberText, FormatsWhatTheRuntimePrinted) {
+    const InLocale locale(0x0407);
+    struct Row {
+        const WCHAR* source;
+        const char* whole;
+        const char* decimal;
+        const char* grouped;  // decimals as the source has them
+        const char* one;      // one decimal
+    };
+    const Row rows[] = {
+        {W("1234567.25"), "1.234.567", "1234567,25", "1.234.567,25", "1.234.567,3"},
+        {W("-1234.5"), "-1.235", "-1234,5", "-1.234,5", "-1.234,5"},
+        {W("  012345"), "  012.345", "  012345", "  012.345", "  012.345,0"},
+        {W("0.50  "), "1  ", "0,50  ", "0,50  ", "0,5  "},
+        {W("000"), "000", "000", "000", "000"},
+        {W(""), "", "", "", ""},
+        {W("abc"), "abc", "abc", "abc", "abc"},
+        {W("1.#INF"), "", "", "", ""},
+        {W("-"), "", "", "", ""},
+    };
+    for (const Row& row : rows) {
+        if (!locale.IsSet()) continue;
+        SCOPED_TRACE(platform::Utf8(row.source));
+        EXPECT_EQ(Text([&](WCHAR* out) { return KtFormatNumber(row.source, out, 64); }), row.whole);
+        EXPECT_EQ(Text([&](WCHAR* out) { return KtFormatDecimalNumber(row.source, out, 64); }), row.decimal);
+        EXPECT_EQ(Text([&](WCHAR* out) { return KtFormatGroupDecimalNumber(row.source, out, 64, -1); }), row.grouped);
+        EXPECT_EQ(Text([&](WCHAR* out) { return KtFormatGroupDecimalNumber(row.source, out, 64, 1); }), row.one);
+    }
+    for (int32_t size = 0; size < 12; ++size) {
+        WCHAR text[12] = {W('~')};
+        EXPECT_EQ(KtFormatNumber(W(" 1234567 "), text, size), 0);
+        EXPECT_EQ(text[0], size > 0 ? 0 : W('~'));
+    }
+    EXPECT_EQ(KtFormatNumber(nullptr, nullptr, 5), 0);
+}
+
+TEST(TextToNumber, ReadsFromTheFront) {
+    const InLocale locale(0x0409);
+    struct Row {
+        const WCHAR* text;
+        uint32_t u32;
+        uint64_t u64;
+        int32_t i32;
+        int64_t i64;
+        double number;
+        int stopped;
+    };
+    const Row rows[] = {
+        {W(""), 0, 0, 0, 0, 0, 0},
+        {W("  42 x"), 42, 42, 42, 42, 42, 4},
+        {W("1,234,567"), 1234567, 1234567, 1234567, 1234567, 1234567, 9},
+        {W("-7"), 0, 0, -7, -7, -7, 2},
+        {W("--7"), 0, 0, 0, 0, 0, 1},
+        {W("1.75"), 1, 1, 1, 1, 1.75, 4},
+        {W("1.2.3"), 1, 1, 1, 1, 1.2, 5},
+        {W(".5"), 0, 0, 0, 0, 0.5, 2},
+        {W("12e3"), 12, 12, 12, 12, 12, 2},
+        {W("abc"), 0, 0, 0, 0, 0, 0},
+        {W("4294967297"), 1, 4294967297, kMost32, 4294967297, 4294967297.0, 10},
+        {W("-4294967297"), 0, 0, kLeast32, -4294967297, -4294967297.0, 11},
+        {W("18446744073709551617"), 1, 1, kMost32, kMost64, 18446744073709551617.0, 20},
+        {W("-99999999999999999999"), 0, 0, kLeast32, kLeast64, -99999999999999999999.0, 21},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(platform::Utf8(row.text));
+        const WCHAR* end = nullptr;
+        const auto check = [&](auto value, auto expected) {
+            EXPECT_EQ(value, expected);
+            EXPECT_EQ(end - row.text, row.stopped);
+        };
+        check(KtTextToDWordToken(row.text, &end), row.u32);
+        check(KtTextToDWordLongToken(row.text, &end), row.u64);
+        check(KtTextToLongToken(row.text, &end), row.i32);
+        check(KtTextToLongLongToken(row.text, &end), row.i64);
+        check(KtTextToDoubleToken(row.text, &end, 1), row.number);
+        check(KtTextToDoubleToken(row.text, &end, 0), row.number);
+    }
+    // Digits beyond the 63rd are passed over.
+    const WString zeros = WString(62, W('0')) + W("123");
+    const WCHAR* end = nullptr;
+    EXPECT_EQ(KtTextToDWordToken(zeros.c_str(), &end), 1u);
+    EXPECT_EQ(end, zeros.c_str() + zeros.size());
+    EXPECT_EQ(KtTextToLongToken(nullptr, &end), 0);
+    EXPECT_EQ(end, nullptr);
+}
+
+TEST(TextToNumber, FollowsTheLocale) {
+    const InLocale locale(0x040C);
+    if (!locale.IsSet()) return;
+    const WCHAR* const text = W("-1\u00A0234,5");
+    const WCHAR* end = nullptr;
+    EXPECT_EQ(KtTextToLongToken(text, &end), -1234);
+    EXPECT_EQ(*end, 0);
+    EXPECT_EQ(KtTextToDoubleToken(text, &end, 1), -1234.5);
+    EXPECT_EQ(KtTextToDoubleToken(text, &end, 0), -1.0);
+    EXPECT_EQ(end - text, 2);
+    EXPECT_EQ(KtTextToDoubleToken(W("1,234.5"), nullptr, 0), 1234.5);
+}
+
+TEST(TextToNumber, ReadsHexadecimal) {
+    struct Row {
+        const WCHAR* text;
+        uint32_t u32;
+        uint64_t u64;
+        int stopped;
+    };
+    const Row rows[] = {{W("0X1f"), 31, 31, 4}, {W("g"), 0, 0, 0},  {W(" \tAbC,"), 0xABC, 0xABC, 5},
+                        {W("0x"), 0, 0, 2},     {W("-1"), 0, 0, 0}, {W("123456789a"), 0x3456789A, 0x123456789A, 10},
+                        {W("0x0x1"), 0, 0, 3}};
+    for (const Row& row : rows) {
+        const WCHAR* end = nullptr;
+        EXPECT_EQ(KtHexToDWordToken(row.text, &end), row.u32);
+        EXPECT_EQ(end - row.text, row.stopped);
+        EXPECT_EQ(KtHexToDWordLongToken(row.text, &end), row.u64);
+        EXPECT_EQ(end - row.text, row.stopped);
+    }
+}
+
+TEST(TextToNumber, HoldsValuesAtTheirLimits) {
+    const InLocale locale(0x0409);
+    struct Row {
+        const WCHAR* text;
+        int32_t minimum;
+        int32_t maximum;
+        int32_t value;  // with a default of 7
+        int stopped;
+    };
+    const Row rows[] = {{W("abc"), 0, 100, 7, 0},  {W(""), 5, 100, 5, 0},    {W("0 x"), 0, 100, 0, 1},
+                        {W("0x"), 0, 100, 7, 1},   {W("50"), 0, 100, 50, 2}, {W("500"), 0, 100, 100, 3},
+                        {W("abc"), 10, 20, 10, 0}, {W("1"), 20, 10, 20, 1},  {W("  "), 0, 100, 0, 2}};
+    for (const Row& row : rows) {
+        SCOPED_TRACE(platform::Utf8(row.text));
+        const WCHAR* end = nullptr;
+        const auto check = [&](auto value) {
+            EXPECT_EQ(value, static_cast<decltype(value)>(row.value));
+            EXPECT_EQ(end - row.text, row.stopped);
+        };
+        const auto minimum = static_cast<uint32_t>(row.minimum);
+        const auto maximum = static_cast<uint32_t>(row.maximum);
+        check(KtTextToDWordTokenEx(row.text, 7, minimum, maximum, &end));
+        check(KtTextToDWordLongTokenEx(row.text, 7, minimum, maximum, &end));
+        check(KtTextToLongTokenEx(row.text, 7, row.minimum, row.maximum, &end));
+        check(KtTextToLongLongTokenEx(row.text, 7, row.minimum, row.maximum, &end));
+        check(KtTextToDoubleTokenEx(row.text, 7, row.minimum, row.maximum, &end, 1));
+    }
+    EXPECT_EQ(KtTextToLongTokenEx(W("-5"), 7, -3, 3, nullptr), -3);
+    EXPECT_EQ(KtHexToDWordTokenEx(W("xyz"), 7, 0, 100, nullptr), 7u);
+    EXPECT_EQ(KtHexToDWordTokenEx(W("0xFFFF"), 7, 0, 100, nullptr), 100u);
+    EXPECT_EQ(KtHexToDWordLongTokenEx(W("ffffffffff"), 7, 0, kMostU64, nullptr), 0xFFFFFFFFFFu);
+    EXPECT_EQ(KtTextToDWordTokenEx(nullptr, 7, 5, 100, nullptr), 5u);
+}
+
+}  // namespace

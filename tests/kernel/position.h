@@ -1,0 +1,11 @@
+// Position formats for tests.
+#pragma once
+
+#include "kernel/position_format.h"
+
+namespace support {
+
+// 24 frames, 48000 samples, 120 beats a minute in 4/4 with 960 ticks; zero stands at 0.
+inline _ktposfmt Position(int32_t format) { return {format, 48000, 24.0, 120.0, 0, 4, 4, 960}; }
+
+}  // namespace support

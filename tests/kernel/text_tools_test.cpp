@@ -1,0 +1,312 @@
+// Small texts: names, codes, colours, levels, sizes and stereo pairs, through the built module.
+#include "kernel/text_tools.h"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+
+#include "kernel/byte_size_text.h"
+#include "kernel/colorref_text.h"
+#include "kernel/compose_text.h"
+#include "kernel/level_text.h"
+#include "kernel/stereo_names.h"
+#include "support/in_locale.h"
+
+namespace {
+
+using platform::Utf8;
+using support::InLocale;
+
+TEST(TextTools, ReplaceAndTrim) {
+    WCHAR text[] = W("a/b/c");
+    EXPECT_EQ(KtStringReplaceChars(text, W('/'), W('-')), 5);
+    EXPECT_EQ(WStringView(text), W("a-b-c"));
+    EXPECT_EQ(KtStringReplaceCharsW(text, 0, W('x')), 5);
+    EXPECT_EQ(KtStringReplaceChars(text, W('b'), 0), 2);
+    EXPECT_EQ(KtStringReplaceChars(nullptr, W('b'), 0), 0);
+
+    struct Row {
+        const WCHAR* text;
+        const char* trimmed;
+    };
+    const Row rows[] = {
+        {W(""), ""},         {W("  "), ""}, {W("\t a b\r\n"), "a b"}, {W("abc"), "abc"}, {W("\u3000x\u00A0"), "x"},
+        {W(" \u2028y"), "y"}};
+    for (const Row& row : rows) {
+        WCHAR copy[20] = {};
+        WStringView(row.text).copy(copy, 19);
+        const int32_t length = KtStripWhiteSpace(copy);
+        EXPECT_EQ(static_cast<std::size_t>(length), WStringView(copy).size());
+        EXPECT_EQ(Utf8(copy), row.trimmed);
+        WCHAR name[20] = {W('~'), 0};
+        EXPECT_EQ(KtPrepareName(row.text, name, 20), *row.trimmed ? name : nullptr);
+        EXPECT_EQ(Utf8(name), row.trimmed);
+    }
+    WCHAR name[3];
+    EXPECT_EQ(KtPrepareName(W("  abc"), name, 3), name);
+    EXPECT_EQ(WStringView(name), W("ab"));
+    EXPECT_EQ(KtPrepareName(nullptr, name, 3), nullptr);
+    EXPECT_EQ(KtStripWhiteSpace(nullptr), 0);
+}
+
+TEST(TextTools, MenuNames) {
+    WCHAR out[300];
+    EXPECT_EQ(KtFixNameForMenu(out, W("A & B&"), 300), 8);
+    EXPECT_EQ(WStringView(out), W("A && B&&"));
+    EXPECT_EQ(KtFixNameForMenu(out, W("&&&"), 4), 3);
+    EXPECT_EQ(KtFixNameForMenu(out, WString(1000, W('&')).c_str(), 300), 259);
+    EXPECT_EQ(KtFixNameForMenu(out, nullptr, 300), 0);
+    EXPECT_EQ(KtFixNameForMenu(nullptr, W("a"), 0), 0);
+}
+
+TEST(TextTools, Codes) {
+    WCHAR text[40];
+    EXPECT_EQ(KtFourCCToString(0x20666D74, text), 0);
+    EXPECT_EQ(WStringView(text), W("tmf "));
+    EXPECT_EQ(KtFourCCToString(0x7F1F417E, text), 0);
+    EXPECT_EQ(WStringView(text), W("~A.."));
+
+    const GUID guid{0x00ABCDEF, 0x12, 0x3456, {0xA1, 0x02, 0x03, 0x04, 0x05, 0x06, 0x07, 0xF8}};
+    const WCHAR* const form = W("00abcdef-0012-3456-a102-0304050607f8");
+    EXPECT_EQ(KtGuidToString(&guid, text, 40), 0);
+    EXPECT_EQ(WStringView(text), form);
+    EXPECT_EQ(KtGuidToString(&guid, text, 5), 0);
+    EXPECT_EQ(WStringView(text), W("00ab"));
+    GUID read{};
+    for (const WCHAR* good :
+         {form, W(" 00ABCDEF-12-3456-A102-0304050607F8}"), W("abcdef- 12-3456-a102-0304050607f8")}) {
+        read = {};
+        EXPECT_EQ(KtGuidFromString(good, &read), 0);
+        EXPECT_TRUE(read == guid) << Utf8(good);
+    }
+    for (const WCHAR* bad : {W(""), W("{00abcdef-0012-3456-a102-0304050607f8}"), W("00abcdef-0012-3456-a102-030405"),
+                             W("00abcdef0012-3456-a102-0304050607f8"), W("x")}) {
+        EXPECT_EQ(KtGuidFromString(bad, &read), E_FAIL);
+        EXPECT_TRUE(read == guid) << Utf8(bad);
+    }
+    EXPECT_EQ(KtGuidFromString(nullptr, &read), E_FAIL);
+}
+
+TEST(ColorText, IsReadInEachForm) {
+    const InLocale locale(0x0409);
+    constexpr uint32_t kBad = kKtUnreadableColor;
+    struct Row {
+        const WCHAR* text;
+        uint32_t color;
+        int stopped;
+    };
+    const Row rows[] = {
+        {W("#ff0010"), 0x1000FF, 7},
+        {W("RGB(255, 0, 16)"), 0x1000FF, 15},
+        {W("  rGb ( 255 x, 0 , 16 ) "), 0x1000FF, 23},
+        {W("RGB(300,0,0)"), kBad, 7},
+        {W("RGB(1,2)"), kBad, 8},
+        {W("RGB(1,2,3"), kBad, 9},
+        {W("RGB(1,,3)"), kBad, 6},
+        {W("RGB 1,2,3"), kBad, 4},
+        {W("RGB"), kBad, 3},
+        {W("16"), 16, 2},
+        {W("0xFF"), 255, 4},
+        {W("0XfFfF00 "), 0xFFFF00, 8},
+        {W("4294967295"), kBad, 10},
+        {W("#1000000"), kBad, 8},
+        {W("#10000000000000000"), kBad, 18},
+        {W("#"), kBad, 1},
+        {W("#0"), 0, 2},
+        {W("abc"), 0, 0},
+        {W(""), 0, 0},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(Utf8(row.text));
+        const WCHAR* end = nullptr;
+        EXPECT_EQ(KtTextToColorrefToken(row.text, &end), row.color);
+        EXPECT_EQ(end - row.text, row.stopped);
+        EXPECT_EQ(KtTextToColorrefTokenEx(row.text, 5, nullptr), row.color);
+        EXPECT_EQ(KtTextToColorref(row.text), row.color);
+    }
+    EXPECT_EQ(KtTextToColorref(nullptr), 0u);
+}
+
+TEST(ColorText, IsWrittenInEachForm) {
+    struct Row {
+        uint32_t color;
+        int32_t mode;
+        const char* text;
+    };
+    const Row rows[] = {{0x1000FF, 1, "#ff0010"},
+                        {0x1000FF, 0, "RGB(255,0,16)"},
+                        {0x2000000, 0, "0x02000000"},
+                        {0, 0, "RGB(0,0,0)"},
+                        {0, 1, "#000000"},
+                        {0, 2, "0x00000000"},
+                        {0x1000FF, 2, "0x001000ff"},
+                        {0xFFFFFFFF, 1, "0xffffffff"}};
+    for (const Row& row : rows) {
+        const std::string expected = row.text;
+        WCHAR text[20];
+        uint32_t length = 0;
+        EXPECT_EQ(KtColorrefToText(text, 20, row.color, row.mode), static_cast<int32_t>(expected.size()));
+        EXPECT_EQ(Utf8(text), expected);
+        EXPECT_EQ(KtColorrefToTextEx(text, 20, &length, row.color, row.mode), S_OK);
+        EXPECT_EQ(length, expected.size());
+        EXPECT_EQ(KtTextToColorref(text), row.color == 0xFFFFFFFF ? kKtUnreadableColor : row.color) << expected;
+    }
+    WCHAR text[20];
+    uint32_t length = 0;
+    constexpr auto kSmall = static_cast<HRESULT>(0x8004E03Cu);
+    EXPECT_EQ(KtColorrefToTextEx(text, 10, &length, 0, 2), kSmall);
+    EXPECT_EQ(length, 9u);
+    EXPECT_EQ(KtColorrefToTextEx(text, 11, nullptr, 0, 2), S_OK);
+    EXPECT_EQ(KtColorrefToTextEx(text, 6, nullptr, 0x1000FF, 0), kSmall);
+    EXPECT_EQ(KtColorrefToText(text, 5, 0x1000FF, 1), 4);
+    EXPECT_EQ(KtColorrefToText(text, 0, 0x1000FF, 1), 0);
+    EXPECT_EQ(KtColorrefToText(nullptr, 5, 0x1000FF, 1), 0);
+}
+
+TEST(LevelText, HasDecimalsAFloorAndALabel) {
+    const InLocale locale(0x0409);
+    if (!locale.IsSet()) return;
+    EXPECT_EQ(Utf8(KtGetLabeledStringFixed(-600, 1, -600, W(" dB"))), "-Inf.");
+    EXPECT_EQ(Utf8(KtGetLabeledStringFixed(-600, 1, 0, W(" dB"))), "-60.0 dB");
+    EXPECT_EQ(Utf8(KtGetLabeledStringFixed(1234567, 0, 0, nullptr)), "1,234,567");
+    EXPECT_EQ(Utf8(KtGetLabeledStringFixed(5, 100, 0, nullptr)), "0.000000005");
+    EXPECT_EQ(Utf8(KtGetdBStringFixed(-123, 2, -600, 1)), "-1.23 dB");
+    EXPECT_EQ(Utf8(KtGetdBStringFixed(-123, 2, -600, 0)), "-1.23");
+    EXPECT_EQ(Utf8(KtGetdBStringFloat(-6.26F, 1, -96, 1)), "-6.3 dB");
+    EXPECT_EQ(Utf8(KtGetdBStringFloat(-96, 1, -96, 1)), "-Inf.");
+    EXPECT_EQ(Utf8(KtGetLabeledStringFloat(-1234.9F, 0, 0, W(" x"))), "-1,234 x");
+    EXPECT_EQ(Utf8(KtGetLabeledStringFloat(1e30F, -1, 0, nullptr)), "2,147,483,647");
+    EXPECT_EQ(Utf8(KtGetLabeledStringFixed(1, 0, 0, WString(100, W('y')).c_str())), "1" + std::string(22, 'y'));
+}
+
+TEST(ByteSizes, HaveThreeDigitsThatCount) {
+    const InLocale locale(0x0409);
+    struct Row {
+        int64_t size;
+        const char* text;
+    };
+    const Row rows[] = {
+        {-5, "0 B"},
+        {0, "0 B"},
+        {998, "998 B"},
+        {999, "0.97 KB"},
+        {1536, "1.50 KB"},
+        {12900, "12.5 KB"},
+        {150000, "146 KB"},
+        {999 * 1024 - 1, "998 KB"},
+        {999 * 1024, "0.97 MB"},
+        {int64_t{5} << 30, "5.00 GB"},
+        {int64_t{20} << 40, "20.0 TB"},
+        {int64_t{3} << 50, "3.00 PB"},
+        {int64_t{2} << 60, "2.00 EB"},
+        {0x7000000000000000, "> 9 YB"},
+    };
+    for (const Row& row : rows) {
+        if (!locale.IsSet()) continue;
+        WCHAR text[40];
+        EXPECT_EQ(KtFormatFileSize(row.size, text, 40, 0), std::string_view(row.text).size());
+        EXPECT_EQ(Utf8(text), row.text);
+    }
+    WCHAR text[40];
+    EXPECT_EQ(KtFormatFileSize(12, text, 40, 1), 8u);
+    EXPECT_EQ(WStringView(text), W("12 bytes"));
+    EXPECT_EQ(KtFormatFileSize(12, text, 3, 1), 0u);
+    EXPECT_EQ(text[0], 0);
+}
+
+TEST(ByteSizes, HaveTwoDecimals) {
+    const InLocale locale(0x0409);
+    struct Row {
+        int64_t size;
+        const char* close;
+        const char* words;
+        const char* spaced;
+    };
+    const Row rows[] = {
+        {1023, "1023", "1023 bytes", "1023"},
+        {1536, "1.50KB", "1.50 KB", "1.50 KB"},
+        {1'023'999, "1,000.00KB", "1,000.00 KB", "1,000.00 KB"},
+        {1'024'000, "1.00MB", "1.00 MB", "1.00 MB"},
+        {2'560'000'000, "2.50GB", "2.50 GB", "2.50 GB"},
+    };
+    for (const Row& row : rows) {
+        if (!locale.IsSet()) continue;
+        WCHAR text[64];
+        EXPECT_EQ(KtGetByteSizeText(row.size, text), static_cast<int32_t>(std::string_view(row.close).size()));
+        EXPECT_EQ(Utf8(text), row.close);
+        KtGetByteSizeText2(row.size, text);
+        EXPECT_EQ(Utf8(text), row.words);
+        KtGetByteSizeTextWithSpace(row.size, text);
+        EXPECT_EQ(Utf8(text), row.spaced);
+    }
+}
+
+TEST(ComposedText, HasNumberedPlaces) {
+    struct Row {
+        const WCHAR* format;
+        const char* text;
+    };
+    const Row rows[] = {{W("%1 KB"), "one KB"},
+                        {W("%2%1%2"), "twoonetwo"},
+                        {W("100%%%1"), "100%one"},
+                        {W("a%n b\nc"), "a\r\n b\r\nc"},
+                        {W("ab%0cd"), "ab"},
+                        {W("end%"), ""},
+                        {W(""), ""}};
+    for (const Row& row : rows) {
+        WCHAR text[40] = {W('~'), 0};
+        EXPECT_EQ(KtComposeStr(text, 40, row.format, W("one"), W("two")), std::string_view(row.text).size());
+        EXPECT_EQ(Utf8(text), row.text);
+    }
+    WCHAR text[7];
+    EXPECT_EQ(KtComposeStr(text, 6, W("%1 KB"), W("one")), 0u);
+    EXPECT_EQ(text[0], 0);
+    EXPECT_EQ(KtComposeStr(text, 7, W("%1 KB"), W("one")), 6u);
+    EXPECT_EQ(KtComposeStr(text, 7, nullptr), 0u);
+    EXPECT_EQ(KtComposeStr(nullptr, 7, W("x")), 0u);
+}
+
+TEST(StereoNames, AreMadeOfThePairsName) {
+    struct Row {
+        const char* name;
+        const char* left;  // null: the name tells its side
+        const char* right;
+    };
+    const Row rows[] = {
+        {"Line 1/2", "Line 1", "Line 2"},
+        {"Out 3-4 Main", "Out 3 Main", "Out 4 Main"},
+        {"S/PDIF 1/2", "S/PDIF 1", "S/PDIF 2"},
+        {"1/2", "1", "2"},
+        {"1/2/3", "1", "2"},
+        {"Bus 7 Out 8 9", "Bus 7 9", "Bus 8 9"},
+        {"Bus 5 Out 8-9", "Bus 5 Out 8", "Bus 5 Out 9"},
+        {"Mic A/B Out", "Mic A Out", "Mic B Out"},
+        {"Front Left/Front Right", "Front Left", "Front Right"},
+        {"L/R", "L", "R"},
+        {"s/pdif L/R", "s/pdif L", "s/pdif R"},
+        {"A/B S/PDIF", "A/B S/PDIF - Left", "A/B S/PDIF - Right"},
+        {"S/PDIF", "S/PDIF - Left", "S/PDIF - Right"},
+        {"Mix", "Mix - Left", "Mix - Right"},
+        {"", " - Left", " - Right"},
+        {"Left Out", nullptr, nullptr},
+        {"outRIGHT", nullptr, nullptr},
+        {"18446744073709551615 18446744073709551616", "18446744073709551615 18446744073709551616 - Left",
+         "18446744073709551615 18446744073709551616 - Right"},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.name);
+        const WString name = platform::Wide(row.name);
+        WCHAR left[100] = {W('~'), 0};
+        WCHAR right[100] = {W('~'), 0};
+        EXPECT_EQ(KtChannelizeStereoName(name.c_str(), left, 100, right, 100), row.left ? 1 : 0);
+        EXPECT_EQ(Utf8(left), row.left ? row.left : "~");
+        EXPECT_EQ(Utf8(right), row.right ? row.right : "~");
+    }
+    WCHAR cut[4];
+    EXPECT_EQ(KtChannelizeStereoName(W("Line 1/2"), nullptr, 0, cut, 4), 1);
+    EXPECT_EQ(WStringView(cut), W("Lin"));
+    EXPECT_EQ(KtChannelizeStereoName(WString(1000, W('x')).c_str(), cut, 4, nullptr, 0), 1);
+    EXPECT_EQ(KtChannelizeStereoName(nullptr, cut, 4, nullptr, 0), 0);
+}
+
+}  // namespace

@@ -1,0 +1,200 @@
+// Positions as text through the built module.
+#include "kernel/time_text.h"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+
+#include "kernel/position.h"
+#include "platform/text.h"
+#include "support/in_locale.h"
+
+namespace {
+
+using support::InLocale;
+using support::Position;
+
+constexpr int64_t kSecond = 10000000;
+constexpr int64_t kHour = 3600 * kSecond;
+constexpr int64_t kMost64 = std::numeric_limits<int64_t>::max();
+constexpr int64_t kLeast64 = std::numeric_limits<int64_t>::min();
+
+std::string Shown(const _ktposfmt& format, int64_t time, uint32_t flags = 0) {
+    WCHAR text[128];
+    const int32_t length = KtNanoTimeToTextEx(text, &format, time, flags);
+    EXPECT_EQ(static_cast<std::size_t>(length), WStringView(text).size());
+    WCHAR sized[128];
+    const int32_t sized_length = KtNanoTimeToTextFormatN(sized, 128, &format, time, nullptr, flags);
+    EXPECT_EQ(static_cast<std::size_t>(sized_length), WStringView(sized).size());
+    // The two differ where days begin.
+    if (format.format != KTPOSFMT_TIME) {
+        EXPECT_EQ(WStringView(sized), WStringView(text));
+    }
+    return platform::Utf8(text);
+}
+
+struct Row {
+    int32_t format;
+    int64_t time;
+    const char* full;
+    const char* short_form;
+};
+
+TEST(TimeText, ShowsEachFormat) {
+    const InLocale locale(0x0409);
+    ASSERT_TRUE(locale.IsSet());
+    const Row kRows[] = {
+        {KTPOSFMT_SAMPLES, 300 * kSecond, "14,400,000", "14,400,000"},
+        {KTPOSFMT_SAMPLES, 104, "0", "0"},  // less than half a sample
+        {KTPOSFMT_SAMPLES, 105, "1", "1"},
+        {KTPOSFMT_TIME, 0, "00:00:00.000", "00:00:00"},
+        {KTPOSFMT_TIME, kHour + 62 * kSecond + 1234000, "01:01:02.123", "01:01:02"},
+        {KTPOSFMT_TIME, 599995000, "00:01:00.000", "00:01:00"},
+        {KTPOSFMT_TIME, -kSecond, "-00:00:01.000", "-00:00:01"},
+        {KTPOSFMT_TIME, 863999000000, "23:59:59.900", "23:59:59"},
+        {KTPOSFMT_TIME, 863999000001, "00:23:59:59", "00:23:59:59"},
+        {KTPOSFMT_TIME, 49 * kHour + kSecond, "02:01:00:01", "02:01:00:01"},
+        {KTPOSFMT_SECONDS, 12345678901, "1,234.568", "1,234"},
+        {KTPOSFMT_TIME_FRAMES, kHour + 5000000, "01:00:00.12", "01:00:00"},
+        {KTPOSFMT_TIME_FRAMES, 25 * kHour, "25:00:00.00", "25:00:00"},
+        {KTPOSFMT_FRAMES, 50 * kSecond + 208333, "1,200.500", "1,200"},
+        {KTPOSFMT_FRAMES, 416666, "1.000", "1"},
+        {KTPOSFMT_MEASURES, 0, "1.1.000", "1.1"},
+        {KTPOSFMT_MEASURES, 22500000, "2.1.480", "2.1"},
+        {KTPOSFMT_MEASURES, 2000 * 20000000LL, "2,001.1.000", "2,001.1"},
+        {KTPOSFMT_SMPTE_2997, 36036000000, "01:00:00:00", "01:00:00:00"},
+        {KTPOSFMT_SMPTE_30, kHour + 333334, "01:00:00:01", "01:00:00:01"},
+        {KTPOSFMT_SMPTE_DROP, 600600001, "00:01:00;02", "00:01:00;02"},
+        {KTPOSFMT_SMPTE_DROP, 600266667, "00:00:59;29", "00:00:59;29"},
+        {KTPOSFMT_SMPTE_25, kSecond - 3, "00:00:00:24", "00:00:00:24"},
+        {KTPOSFMT_SMPTE_25, kSecond - 1, "00:00:01:00", "00:00:01:00"},
+        {KTPOSFMT_SMPTE_24, 25 * kHour, "01:00:00:00", "01:00:00:00"},
+        {KTPOSFMT_NANOS, -1234567, "-1,234,567", "-1,234,567"},
+        {KTPOSFMT_MICROS, 12344, "1,234", "1,234"},
+        {KTPOSFMT_MICROS, 12345, "1,235", "1,235"},
+        {KTPOSFMT_MEASURES0, 22500000, "1.0.480", "1.0"},
+        {KTPOSFMT_BEATS, 601 * kSecond + 2500000, "1,202.500", "1,202"},
+        {KTPOSFMT_FEET_16MM, kSecond, "0+24", "0+24"},
+        {KTPOSFMT_FEET_16MM, 2 * kSecond, "1+8", "1+8"},
+        {KTPOSFMT_FEET_35MM, kSecond, "1+8", "1+8"},
+        {KTPOSFMT_FEET_35MM, 1000 * kSecond + 416666, "1,500+1", "1,500+1"},
+        {KTPOSFMT_CD, kHour + 2 * kSecond + 133333, "01:00:02:01", "01:00:02"},
+        {KTPOSFMT_SMPTE_23976, 36036000001, "01:00:00:00", "01:00:00:00"},
+        {KTPOSFMT_SHORT_TIME, 5 * kSecond, "0:05", "0:05"},
+        {KTPOSFMT_SHORT_TIME, 599 * kSecond, "9:59", "9:59"},
+        {KTPOSFMT_SHORT_TIME, 900 * kSecond, "15:00", "15:00"},
+        {KTPOSFMT_SHORT_TIME, kHour, "1:00:00", "1:00:00"},
+        {20, 1234567, "1,234,567", "1,234,567"},
+        {-1, 1234567, "1,234,567", "1,234,567"},
+    };
+    for (const Row& row : kRows) {
+        const _ktposfmt format = Position(row.format);
+        EXPECT_EQ(Shown(format, row.time), row.full) << row.format;
+        EXPECT_EQ(Shown(format, row.time, KTPOSTEXT_SHORT), row.short_form) << row.format;
+        WCHAR text[64];
+        KtNanoTimeToText(text, &format, row.time, 0);
+        EXPECT_EQ(platform::Utf8(text), row.full);
+        KtNanoTimeToText(text, &format, row.time, 1);
+        EXPECT_EQ(platform::Utf8(text), row.short_form);
+    }
+}
+
+TEST(TimeText, WritesAsTheUserDoes) {
+    const InLocale locale(0x0407);
+    if (!locale.IsSet()) GTEST_SKIP() << "needs a German user";
+    EXPECT_EQ(Shown(Position(KTPOSFMT_SECONDS), 12345678901), "1.234,568");
+    EXPECT_EQ(Shown(Position(KTPOSFMT_TIME), kSecond), "00:00:01,000");
+    EXPECT_EQ(Shown(Position(KTPOSFMT_FEET_35MM), 1000 * kSecond), "1.500+0");
+    EXPECT_EQ(Shown(Position(KTPOSFMT_SMPTE_DROP), 600600001), "00:01:00;02");
+}
+
+TEST(TimeText, CountsFromTheOffset) {
+    const InLocale locale(0x0409);
+    _ktposfmt format = Position(KTPOSFMT_MEASURES);
+    format.offset = 20000000;
+    EXPECT_EQ(Shown(format, 20000000), "1.1.000");
+    EXPECT_EQ(Shown(format, 20000000, KTPOSTEXT_RAW), "1.0.000");
+    format.format = KTPOSFMT_TIME;
+    EXPECT_EQ(Shown(format, 0), "-00:00:02.000");
+    EXPECT_EQ(Shown(format, 0, KTPOSTEXT_RAW), "00:00:00.000");
+    format.format = KTPOSFMT_NANOS;
+    format.offset = kMost64;
+    EXPECT_EQ(Shown(format, kLeast64), "-9,223,372,036,854,775,807");
+    format.offset = kLeast64;
+    EXPECT_EQ(Shown(format, kMost64), "9,223,372,036,854,775,807");
+}
+
+TEST(TimeText, TakesAFormatOfTheCallers) {
+    const InLocale locale(0x0409);
+    struct {
+        int32_t format;
+        const WCHAR* text;
+        const char* shown;
+    } const kRows[] = {
+        {KTPOSFMT_SMPTE_DROP, W("%u h %02u"), "1 h 00"},
+        {KTPOSFMT_SMPTE_24, W("%02u.%02u.%02u.%02u"), "00.59.56.09"},
+        {KTPOSFMT_SECONDS, W("%.1f s"), "3600.0 s"},
+        {KTPOSFMT_SECONDS, W("$.0f"), "3,600"},
+        {KTPOSFMT_TIME, W("%u:%u"), "1:0"},
+        {KTPOSFMT_NANOS, W("%I64x"), "861c468c0"},
+        {KTPOSFMT_SHORT_TIME, W("%s"), "1:00:00"},
+        {99, W("%s"), "36,000,000,192"},
+    };
+    for (const auto& row : kRows) {
+        WCHAR text[64];
+        _ktposfmt format = Position(row.format);
+        if (row.format == KTPOSFMT_SMPTE_24) format.offset = kSecond * 3 + 6250000;
+        KtNanoTimeToTextFormat(text, &format, kHour + 192, row.text, 0);
+        EXPECT_EQ(platform::Utf8(text), row.shown);
+    }
+}
+
+TEST(TimeText, CutsToTheSize) {
+    const InLocale locale(0x0409);
+    for (const int32_t kind : {KTPOSFMT_TIME, KTPOSFMT_SMPTE_DROP, KTPOSFMT_NANOS, KTPOSFMT_MEASURES}) {
+        const _ktposfmt format = Position(kind);
+        WCHAR whole[64];
+        KtNanoTimeToText(whole, &format, -1234567890, 0);
+        for (uint32_t size = 0; size < 24; ++size) {
+            WCHAR text[64] = W("~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~");
+            const int32_t length = KtNanoTimeToTextN(text, size, &format, -1234567890, 0);
+            EXPECT_EQ(text[size], size > WStringView(whole).size() ? text[size] : W('~'));
+            if (size == 0) {
+                EXPECT_EQ(length, 0);
+                continue;
+            }
+            EXPECT_EQ(static_cast<std::size_t>(length), WStringView(text).size());
+            EXPECT_LT(WStringView(text).size(), size);
+            // Digits lose their groups first where they have to be cut.
+            if (kind != KTPOSFMT_NANOS) {
+                EXPECT_EQ(WStringView(text), WStringView(whole).substr(0, size - 1)) << kind;
+            }
+        }
+    }
+    const _ktposfmt format = Position(KTPOSFMT_TIME);
+    WCHAR text[64];
+    EXPECT_EQ(KtNanoTimeToTextExN(text, 64, &format, 100 * kHour, 0), 13);
+    EXPECT_EQ(platform::Utf8(text), "100:00:00.000");  // hours run on
+    EXPECT_EQ(KtNanoTimeToText(nullptr, &format, 0, 0), 0);
+    EXPECT_EQ(KtNanoTimeToText(text, nullptr, 0, 0), 0);
+    EXPECT_EQ(KtNanoTimeToTextN(nullptr, 9, &format, 0, 0), 0);
+}
+
+TEST(TimeText, TakesAnyTimeAtAnyRate) {
+    const double kRates[] = {
+        0, -24, 1e-300, 1e300, 24, std::numeric_limits<double>::quiet_NaN(), std::numeric_limits<double>::infinity()};
+    for (int32_t kind = -1; kind <= 20; ++kind) {
+        for (const double rate : kRates) {
+            for (const int64_t time : {kLeast64, int64_t{-1}, int64_t{0}, int64_t{123456789}, kMost64}) {
+                const _ktposfmt format{kind, rate > 1 ? 48000u : 0u, rate, rate, 7, 0, 0, 0};
+                WCHAR text[1024];
+                for (const uint32_t flags : {0u, 1u, 2u, 3u}) {
+                    EXPECT_GE(KtNanoTimeToTextExN(text, 1024, &format, time, flags), 0);
+                    EXPECT_GE(KtNanoTimeToTextEx(text, &format, time, flags), 0);
+                }
+            }
+        }
+    }
+}
+
+}  // namespace

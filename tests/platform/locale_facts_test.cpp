@@ -1,0 +1,210 @@
+#include <gtest/gtest.h>
+
+#include <thread>
+#include <utility>
+
+#include "platform/locale.h"
+#include "platform/text.h"
+#include "support/scoped_variable.h"
+
+namespace {
+
+// The user's locale natively. On Windows it cannot be set for a test, and the locale is named by its number.
+class Asked : public support::ScopedVariable {
+  public:
+    explicit Asked(LCID lcid)
+        : ScopedVariable(W("KT_LCID"), platform::Wide(std::to_string(lcid)).c_str()),
+          is_users_(GetUserDefaultLCID() == lcid),
+          lcid_(is_users_ ? LCID{LOCALE_USER_DEFAULT} : lcid) {}
+    [[nodiscard]] bool IsUsers() const { return is_users_; }
+    [[nodiscard]] std::string Fact(DWORD type) const {
+        WCHAR text[100];
+        const int size = GetLocaleInfoW(lcid_, type, text, 100);
+        EXPECT_EQ(GetLocaleInfoW(lcid_, type, nullptr, 0), size);
+        return size > 0 ? platform::Utf8({text, static_cast<std::size_t>(size) - 1}) : "(none)";
+    }
+
+  private:
+    bool is_users_;
+    LCID lcid_;
+};
+
+TEST(Locale, TellsItsFacts) {
+    struct Row {
+        LCID lcid;
+        const char* number;
+        const char* letters;
+        const char* language;
+        const char* country_number;
+        const char* country;
+        const char* decimal;
+        const char* thousands;
+        const char* grouping;
+        const char* list;
+        const char* measure;
+        const char* own_name;  // for a user who reads that language
+        const char* own_country;
+    };
+    const Row rows[] = {
+        {0x0409, "0409", "ENU", "English", "1", "United States", ".", ",", "3;0", ",", "1", "English (United States)",
+         "United States"},
+        {0x0407, "0407", "DEU", "German", "49", "Germany", ",", ".", "3;0", ";", "0", "Deutsch (Deutschland)",
+         "Deutschland"},
+        {0x040C, "040c", "FRA", "French", "33", "France", ",", "\u00A0", "3;0", ";", "0", "Français (France)",
+         "France"},
+        {0x0411, "0411", "JPN", "Japanese", "81", "Japan", ".", ",", "3;0", ",", "0", "日本語 (日本)", "日本"},
+        {0x0416, "0416", "PTB", "Portuguese", "55", "Brazil", ",", ".", "3;0", ";", "0", "Português (Brasil)",
+         "Brasil"},
+        {0x0439, "0439", "HIN", "Hindi", "91", "India", ".", ",", "3;2;0", ",", "0", "हिन्दी (भारत)", "भारत"},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.number);
+        const Asked locale(row.lcid);
+        EXPECT_EQ(locale.Fact(LOCALE_ILANGUAGE), row.number);
+        EXPECT_EQ(locale.Fact(LOCALE_SABBREVLANGNAME), row.letters);
+        EXPECT_EQ(locale.Fact(LOCALE_SENGLANGUAGE), row.language);
+        EXPECT_EQ(locale.Fact(LOCALE_ICOUNTRY), row.country_number);
+        EXPECT_EQ(locale.Fact(LOCALE_SENGCOUNTRY), row.country);
+        EXPECT_EQ(locale.Fact(LOCALE_SDECIMAL), row.decimal);
+        EXPECT_EQ(locale.Fact(LOCALE_STHOUSAND), row.thousands);
+        EXPECT_EQ(locale.Fact(LOCALE_SGROUPING), row.grouping);
+        EXPECT_EQ(locale.Fact(LOCALE_SLIST), row.list);
+        EXPECT_EQ(locale.Fact(LOCALE_IMEASURE), row.measure);
+        EXPECT_EQ(locale.Fact(LOCALE_SNEGATIVESIGN), "-");
+        EXPECT_EQ(locale.Fact(LOCALE_STIME), ":");
+        EXPECT_EQ(locale.Fact(LOCALE_IDIGITS), "2");
+        EXPECT_EQ(locale.Fact(LOCALE_ILZERO), "1");
+        if (!locale.IsUsers()) continue;  // the names are in the user's language
+        EXPECT_EQ(locale.Fact(LOCALE_SLANGUAGE), row.own_name);
+        EXPECT_EQ(locale.Fact(LOCALE_SCOUNTRY), row.own_country);
+        EXPECT_EQ(GetUserDefaultUILanguage(), row.lcid);
+    }
+}
+
+TEST(Locale, TellsSingleFactsAsWin32Does) {
+    struct Row {
+        LCID lcid;
+        DWORD type;
+        const char* text;
+    };
+    const Row rows[] = {
+        {0x0401, LOCALE_STHOUSAND, ","},
+        {0x0401, LOCALE_SDECIMAL, "."},
+        {0x0401, LOCALE_SNEGATIVESIGN, "-"},
+        {0x041D, LOCALE_SNEGATIVESIGN, "-"},
+        {0x100C, LOCALE_STHOUSAND, "\u00A0"},
+        {0x0807, LOCALE_SLIST, ";"},
+        {0x040B, LOCALE_STIME, "."},
+        {0x0009, LOCALE_ILANGUAGE, "0409"},
+        {0x0016, LOCALE_SENGCOUNTRY, "Brazil"},
+        {0x0804, LOCALE_SENGLANGUAGE, "Chinese (Simplified)"},
+        {0x0C0A, LOCALE_SABBREVLANGNAME, "ESN"},
+        {0x040A, LOCALE_SABBREVLANGNAME, "ESP"},
+        {0x0C04, LOCALE_SABBREVLANGNAME, "ZHH"},
+        {0x0412, LOCALE_SENGCOUNTRY, "Korea"},
+        {0x0809, LOCALE_IMEASURE, "0"},
+        {LOCALE_INVARIANT, LOCALE_SGROUPING, "3;0"},
+        {LOCALE_INVARIANT, LOCALE_SABBREVLANGNAME, "IVL"},
+        {LOCALE_INVARIANT, LOCALE_SENGCOUNTRY, "Invariant Country"},
+    };
+    for (const Row& row : rows) {
+        EXPECT_EQ(Asked(row.lcid).Fact(row.type), row.text) << std::hex << row.lcid << ' ' << row.type;
+    }
+    WCHAR text[3] = {};
+    EXPECT_EQ(GetLocaleInfoW(0x0407, LOCALE_SENGLANGUAGE, text, 3), 0);
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_INSUFFICIENT_BUFFER});
+    for (const auto& [lcid, type] : {std::pair<LCID, DWORD>{0x3FF, LOCALE_SLIST}, {0x0409, 0x7777}}) {
+        SetLastError(0);
+        EXPECT_EQ(GetLocaleInfoW(lcid, type, text, 3), 0);
+        EXPECT_NE(GetLastError(), 0u);
+    }
+}
+
+TEST(Locale, BelongsToAThread) {
+    const LCID before = GetThreadLocale();
+    EXPECT_TRUE(SetThreadLocale(0x0411));
+    EXPECT_EQ(GetThreadLocale(), 0x0411u);
+    EXPECT_FALSE(SetThreadLocale(0x3FF));
+    EXPECT_EQ(GetThreadLocale(), 0x0411u);
+    LCID other = 0;
+    std::thread([&other] { other = GetThreadLocale(); }).join();
+    EXPECT_EQ(other, GetUserDefaultLCID());
+    EXPECT_TRUE(SetThreadLocale(before));
+}
+
+std::string Formatted(const WCHAR* value, NUMBERFMTW format, int size = 100) {
+    WCHAR text[100] = {};
+    const int written = GetNumberFormatW(0x0409, 0, value, &format, text, size);
+    return written > 0 ? platform::Utf8({text, static_cast<std::size_t>(written) - 1}) : "error";
+}
+
+TEST(NumberFormat, FollowsItsRecord) {
+    WCHAR point[] = W("<>");
+    WCHAR group[] = W("'");
+    struct Row {
+        const WCHAR* value;
+        UINT decimals;
+        UINT leading_zero;
+        UINT grouping;
+        UINT negative;
+        const char* text;
+    };
+    const Row rows[] = {
+        {W("1234567.125"), 2, 1, 3, 1, "1'234'567<>13"},
+        {W("1234567.125"), 0, 1, 3, 1, "1'234'567"},
+        {W("-1234.5"), 2, 1, 3, 0, "(1'234<>50)"},
+        {W("-1234.5"), 2, 1, 3, 1, "-1'234<>50"},
+        {W("-1234.5"), 2, 1, 3, 2, "- 1'234<>50"},
+        {W("-1234.5"), 2, 1, 3, 3, "1'234<>50-"},
+        {W("-1234.5"), 2, 1, 3, 4, "1'234<>50 -"},
+        {W("12345678901.5"), 1, 1, 0, 1, "12345678901<>5"},
+        {W("12345678901"), 0, 1, 1, 1, "1'2'3'4'5'6'7'8'9'0'1"},
+        {W("12345678901"), 0, 1, 32, 1, "12'34'56'78'901"},
+        {W("12345678901"), 0, 1, 30, 1, "12345678'901"},
+        {W("12345678901"), 0, 1, 9, 1, "12'345678901"},
+        {W("0.5"), 2, 0, 3, 1, "<>50"},
+        {W(".5"), 2, 1, 3, 1, "0<>50"},
+        {W("5."), 2, 1, 3, 1, "5<>00"},
+        {W("-0005"), 0, 1, 3, 1, "-5"},
+        {W("0"), 0, 1, 3, 1, "0"},
+        {W("-0.001"), 2, 1, 3, 1, "-0<>00"},
+        {W(".5"), 0, 1, 3, 1, "1"},
+        {W("99.995"), 2, 1, 3, 1, "100<>00"},
+        {W("0.995"), 2, 1, 3, 1, "1<>00"},
+        {W("1.9949"), 2, 1, 3, 1, "1<>99"},
+        {W("0.25"), 12, 1, 3, 1, "0<>250000000000"},
+        {W("12 "), 0, 1, 3, 1, "error"},
+        {W("1,234"), 0, 1, 3, 1, "error"},
+        {W("1.2.3"), 0, 1, 3, 1, "error"},
+        {W("+5"), 0, 1, 3, 1, "error"},
+        {W("--5"), 0, 1, 3, 1, "error"},
+        {W("1e5"), 0, 1, 3, 1, "error"},
+        {W("5"), 0, 1, 3, 5, "error"},
+    };
+    for (const Row& row : rows) {
+        const NUMBERFMTW format{row.decimals, row.leading_zero, row.grouping, point, group, row.negative};
+        EXPECT_EQ(Formatted(row.value, format), row.text) << platform::Utf8(row.value);
+    }
+    const NUMBERFMTW format{0, 1, 3, point, group, 1};
+    EXPECT_EQ(Formatted(W("1234567"), format, 10), "1'234'567");
+    EXPECT_EQ(Formatted(W("1234567"), format, 9), "error");
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_INSUFFICIENT_BUFFER});
+    EXPECT_EQ(GetNumberFormatW(0x0409, 0, W("1234567"), &format, nullptr, 0), 10);
+}
+
+// On Windows only where the user's locale is that one: other implementations carry into a new group wrongly, or take
+// the groups of a locale so.
+TEST(NumberFormat, IsTheLocalesWithoutARecord) {
+    for (const auto& [lcid, expected] : {std::pair<LCID, const char*>{0x0409, "-1,234,567.13"},
+                                         {0x0407, "-1.234.567,13"},
+                                         {0x0439, "-12,34,567.13"}}) {
+        if (!Asked(lcid).IsUsers()) continue;
+        WCHAR text[40];
+        ASSERT_GT(GetNumberFormatW(lcid, 0, W("-1234567.125"), nullptr, text, 40), 0);
+        EXPECT_EQ(platform::Utf8(text), expected);
+        ASSERT_GT(GetNumberFormatW(0x0409, 0, W("999.995"), nullptr, text, 40), 0);
+        EXPECT_EQ(platform::Utf8(text), "1,000.00");
+    }
+}
+
+}  // namespace
