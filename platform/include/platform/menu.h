@@ -3,9 +3,11 @@
 // A menu is used by one thread at a time. A wrong or destroyed menu fails with ERROR_INVALID_MENU_HANDLE.
 #pragma once
 
-#include "platform/window.h"
+#include "platform/base.h"
 
 #ifndef _WIN32
+
+using HMENU = struct HMENU__*;
 
 inline constexpr UINT MF_BYCOMMAND = 0x0;
 inline constexpr UINT MF_BYPOSITION = 0x400;
