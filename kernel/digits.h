@@ -30,7 +30,7 @@ constexpr std::size_t CountDigits(uint64_t value) noexcept {
     }();
     // 1233 / 4096 is a little more than the logarithm of 2.
     const auto estimate = static_cast<std::size_t>(std::bit_width(value | 1) * 1233 >> 12);
-    return estimate + (value >= kPowers[estimate] ? 1 : 0);
+    return estimate + ((value | 1) >= kPowers[estimate] ? 1 : 0);
 }
 
 // Writes the digits so that they end in front of `end`.
