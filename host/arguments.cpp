@@ -83,6 +83,8 @@ void Arguments::Footer(const char* text) { App(parser_).footer(text); }
 CommandLine::CommandLine(const char* program, const char* text, const char* version)
     : parser_(std::make_unique<Parser>()) {
     CLI::App& app = parser_->app;
+    // A path may begin with a slash on every target. Commands inherit this.
+    app.allow_windows_style_options(false);
     app.description(text);
     app.name(program);
     app.set_version_flag("--version", version);

@@ -47,6 +47,10 @@ std::string ProgramFile() {
 void PrepareStandardStreams() noexcept {
     _setmode(_fileno(stdin), _O_BINARY);
     _setmode(_fileno(stdout), _O_BINARY);
+    // What moves in a terminal is drawn with control sequences; without this they would be shown.
+    const HANDLE screen = GetStdHandle(STD_ERROR_HANDLE);
+    DWORD mode = 0;
+    if (GetConsoleMode(screen, &mode)) SetConsoleMode(screen, mode | ENABLE_VIRTUAL_TERMINAL_PROCESSING);
 }
 
 void TakeStopRequests(std::atomic<bool>* flag) noexcept {

@@ -81,9 +81,10 @@ std::shared_ptr<ClipSlot> ClipRegistry::Find(uintptr_t handle) const noexcept {
     return found == slots_.end() ? nullptr : found->second;
 }
 
-ClipRegistry& Clips() noexcept {
-    static ClipRegistry registry;
-    return registry;
-}
+// Made with the library and not at the first clip: what is made first goes last, and a client that is itself on its way
+// out still finalises the library.
+static ClipRegistry g_registry;
+
+ClipRegistry& Clips() noexcept { return g_registry; }
 
 }  // namespace clipfio::decoder

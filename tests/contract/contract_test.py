@@ -12,7 +12,7 @@ expected_file, programs, suffix, *launcher = sys.argv[1:]
 
 def run(folder, program, *arguments):
     command = [*launcher, os.path.join(programs, program + suffix), *arguments]
-    return subprocess.run(command, cwd=folder, env={**os.environ, "R3DSDKPATH": programs}, check=True,
+    return subprocess.run(command, cwd=folder, env={**os.environ, "R3DSDKPATH": programs, "LC_ALL": "C.UTF-8"}, check=True,
                           stdout=subprocess.PIPE, text=True, timeout=120).stdout
 
 

@@ -6,7 +6,7 @@ import subprocess
 import time
 import unittest
 
-from harness import COMMAND, TIMEOUT, CommandTest, read_pfm, read_png
+from harness import COMMAND, TIMEOUT, CommandTest, native_only, read_pfm, read_png
 
 HEADER = 512
 
@@ -130,6 +130,11 @@ class Pictures(CommandTest):
         self.clipfio("frame", "cut.r3d", "11", "-o", "f.png", expect=1)
         self.clipfio("frame", "a.r3d", "99", "-o", "f.png", expect=1)
         self.assertEqual(self.read("f.png"), b"older")
+
+    @native_only
+    def test_outputs_that_are_no_plain_files(self):
+        self.sample()
+        self.write("f.png", b"older")
         os.symlink("f.png", self.path("link.png"))
         self.clipfio("frame", "a.r3d", "0", "-o", "link.png")
         self.assertTrue(os.path.islink(self.path("link.png")))
@@ -192,6 +197,7 @@ class Pictures(CommandTest):
             self.assertEqual(process.wait(TIMEOUT), 0)
         self.assertEqual(len(error.splitlines()), 1, error)
 
+    @native_only
     def test_bar_on_a_terminal(self):
         self.sample()
         terminal, screen = os.openpty()

@@ -15,9 +15,11 @@ namespace {
 
 constexpr std::size_t kBytes = 300;
 
-// Open files of this process, where the system shows them: mappings and processes are among them.
+// Open files of this process, where the system shows them as its own (and not those of a system around it): mappings
+// and processes are among them.
 std::ptrdiff_t OpenFiles() {
     std::error_code none;
+    if (!std::filesystem::is_symlink("/proc/self/exe", none)) return 0;
     const std::filesystem::directory_iterator folder("/proc/self/fd", none);
     return none ? 0 : std::distance(begin(folder), end(folder));
 }
@@ -29,6 +31,32 @@ _ktmemorytoken OwnToken(std::vector<uint8_t>& memory) {
     token.processId = GetCurrentProcessId();
     return token;
 }
+
+// Memory of this process whose address does not fit in 32 bits, wherever the heap lies.
+class HighMemory {
+  public:
+    HighMemory() {
+        const uint64_t address = reinterpret_cast<uintptr_t>(view_.Get());
+        if (view_) bytes_ = reinterpret_cast<uint8_t*>(std::max(address, uint64_t{1} << 32));
+    }
+    [[nodiscard]] uint8_t* Bytes() const { return bytes_; }
+    [[nodiscard]] _ktmemorytoken Token() const {
+        _ktmemorytoken token = {};
+        token.address = reinterpret_cast<uintptr_t>(bytes_);
+        token.size = kBytes;
+        token.processId = GetCurrentProcessId();
+        return token;
+    }
+    void Fill(uint8_t value) const { std::fill_n(bytes_, kBytes, value); }
+    [[nodiscard]] std::vector<uint8_t> Content() const { return {bytes_, bytes_ + kBytes}; }
+
+  private:
+    // 4 GiB and some more, of which only what is touched is there.
+    platform::ScopedHandle mapping_{
+        CreateFileMappingW(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 1, 65536, nullptr)};
+    platform::ScopedView view_{MapViewOfFile(mapping_.Get(), FILE_MAP_READ | FILE_MAP_WRITE, 0, 0, 0)};
+    uint8_t* bytes_ = nullptr;
+};
 
 void ExpectFailed(CMappingOfKtMemoryToken& mapping) {
     EXPECT_EQ(mapping.Pointer(), nullptr);
@@ -119,7 +147,8 @@ TEST(MemoryToken, ThatCannotBeUsedLeavesNothingBehind) {
                                mapped.Token(), mapped.Token(), mapped.Token(), mapped.Token(), mapped.Token()};
     wild[0].type = 2;
     wild[1].address = 0;
-    wild[2].size = 0x7FFFFFFF;
+    // Where nothing is. (Behind the owner's memory a platform may find gigabytes that it only reserved.)
+    wild[2].address = 0x7FFF00000000, wild[2].size = 0x7FFFFFFF;
     wild[3].processId = 0x7FFFFFF0;
     wild[4].size = 0x7FFFFFFF;
     wild[5].offset = -1;
@@ -199,9 +228,11 @@ TEST(OutOfProcessToken, CarriesMemoryToAProcessAndBack) {
     for (const uint32_t access : {0u, 2u, 4u, 6u}) {
         SCOPED_TRACE(access);
         support::ChildProcess user("token_user", {std::to_string(access)});
-        std::vector<uint8_t> memory(kBytes, 5);
+        const HighMemory memory;
+        ASSERT_NE(memory.Bytes(), nullptr);
+        memory.Fill(5);
         const auto open_files = OpenFiles();
-        _ktmemorytoken token = OwnToken(memory);
+        _ktmemorytoken token = memory.Token();
         token.size -= 10;
         token.offset = 10;
         {
@@ -215,20 +246,21 @@ TEST(OutOfProcessToken, CarriesMemoryToAProcessAndBack) {
             user.WriteLine(LineOf(out));
             const unsigned there = access == 2 ? 0 : 5 * (kBytes - 10);
             EXPECT_EQ(user.ReadLine(), std::to_string(there));
-            EXPECT_EQ(memory, std::vector<uint8_t>(kBytes, 5));  // not before the end
+            EXPECT_EQ(memory.Content(), std::vector<uint8_t>(kBytes, 5));  // not before the end
         }
         std::vector<uint8_t> expected(kBytes, 5);
         const uint8_t back = access == 2 ? 1 : access == 4 ? 5 : 6;
         std::fill(expected.begin() + 10, expected.end(), back);
-        EXPECT_EQ(memory, expected);
+        EXPECT_EQ(memory.Content(), expected);
         EXPECT_EQ(OpenFiles(), open_files);
         EXPECT_EQ(user.Wait(), 0u);
     }
 }
 
 TEST(OutOfProcessToken, FailsWithoutMemoryToShare) {
-    std::vector<uint8_t> memory(kBytes, 5);
-    _ktmemorytoken tokens[3] = {OwnToken(memory), OwnToken(memory), OwnToken(memory)};
+    const HighMemory memory;
+    ASSERT_NE(memory.Bytes(), nullptr);
+    _ktmemorytoken tokens[3] = {memory.Token(), memory.Token(), memory.Token()};
     tokens[0].size = 0;
     tokens[1].type = 2, tokens[1].processId = 0x7FFFFFF0;
     tokens[2].processId = 0x7FFFFFF0;

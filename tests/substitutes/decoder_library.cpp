@@ -24,17 +24,13 @@ void Bind(HMODULE module, const char* symbol, Function*& function) {
 }
 
 // By its whole path: another library of that file name may have been loaded from elsewhere.
-WString LibraryPath() {
-    WCHAR program[1024] = {};
-    const WString path(program, GetModuleFileNameW(nullptr, program, 1024));
-    return path.substr(0, path.find_last_of(W("\\/")) + 1) + W("REDR3D-x64.dll");
-}
+WString LibraryPath() { return platform::Wide(CLIPFIO_SUBSTITUTE_DECODER "/REDR3D-x64.dll"); }
 
 DecoderLibrary LoadTheLibrary() {
     DecoderLibrary l;
     l.module = LoadLibraryW(LibraryPath().c_str());
     if (l.module == nullptr) {
-        ADD_FAILURE() << "the decoder library is not beside the tests: error " << GetLastError();
+        ADD_FAILURE() << "the decoder library is not there: error " << GetLastError();
         std::abort();
     }
     Bind(l.module, "R3D_AAB", l.create_clip);

@@ -1,0 +1,75 @@
+// What the platform's documentation says and not every platform under the module does: nothing but our own layer is
+// held to it.
+#include <gtest/gtest.h>
+
+#include <clocale>
+
+#include "platform/com.h"
+#include "platform/process.h"
+#include "platform/text.h"
+#include "support/child_roles.h"
+#include "support/temp_file.h"
+
+namespace {
+
+TEST(DocumentedDetails, Utf8TakesNoFlagsAndNoSubstitute) {
+    constexpr DWORD kInvalidFlags = 1004;
+    constexpr DWORD kNoBestFit = 0x400;
+    char bytes[4] = {};
+    WCHAR wide[4] = {};
+    BOOL substituted = FALSE;
+    EXPECT_EQ(MultiByteToWideChar(CP_UTF8, MB_PRECOMPOSED, "a", 1, wide, 4), 0);
+    EXPECT_EQ(GetLastError(), kInvalidFlags);
+    EXPECT_EQ(WideCharToMultiByte(CP_UTF8, kNoBestFit, W("a"), 1, bytes, 4, nullptr, nullptr), 0);
+    EXPECT_EQ(GetLastError(), kInvalidFlags);
+    EXPECT_EQ(WideCharToMultiByte(CP_UTF8, 0, W("a"), 1, bytes, 4, nullptr, &substituted), 0);
+    EXPECT_EQ(GetLastError(), ERROR_INVALID_PARAMETER);
+}
+
+std::string Printed(const WCHAR* format, auto... arguments) {
+    WCHAR out[100];
+    const int length = _snwprintf(out, 100, format, arguments...);
+    return platform::Utf8(WStringView(out, static_cast<std::size_t>(length < 0 ? 0 : length)));
+}
+
+TEST(DocumentedDetails, PrecisionOfAnIntegerEndsItsZeros) { EXPECT_EQ(Printed(W("%06.3d"), 5), "   005"); }
+
+// Beyond the documentation: nothing that the module prints may hang on what locale its host has set.
+TEST(DocumentedDetails, PrintfDoesNotFollowTheLocale) {
+    const std::string before = std::setlocale(LC_NUMERIC, nullptr);
+    for (const char* name : {"de_DE.UTF-8", "de_DE", "fr_FR.UTF-8", "tr_TR.UTF-8"}) {
+        if (std::setlocale(LC_NUMERIC, name)) break;
+    }
+    EXPECT_EQ(Printed(W("%.2f %g %e"), 1.5, 2.5, 3.5), "1.50 2.5 3.500000e+000");
+    std::setlocale(LC_NUMERIC, before.c_str());
+}
+
+TEST(DocumentedDetails, AProcessEndsOnce) {
+    support::ChildProcess child("wait_for_ever");
+    EXPECT_EQ(child.ReadLine(), "ready");
+    EXPECT_TRUE(TerminateProcess(child.Process(), 123));
+    EXPECT_EQ(child.Wait(), 123u);
+    EXPECT_FALSE(TerminateProcess(child.Process(), 5));
+    EXPECT_EQ(GetLastError(), ERROR_ACCESS_DENIED);
+    EXPECT_EQ(child.Wait(), 123u);
+}
+
+TEST(DocumentedDetails, StreamsKeepToTheirMode) {
+    const support::TempFile name;
+    IStream* writer = nullptr;
+    ASSERT_EQ(SHCreateStreamOnFileW(name.Path(), STGM_CREATE | STGM_WRITE, &writer), S_OK);
+    IStream* reader = nullptr;
+    ASSERT_EQ(SHCreateStreamOnFileW(name.Path(), STGM_READ, &reader), S_OK);
+    char c = 0;
+    ULONG count = 9;
+    EXPECT_EQ(writer->Read(&c, 1, &count), STG_E_ACCESSDENIED);
+    EXPECT_EQ(reader->SetSize({}), STG_E_ACCESSDENIED);
+    LARGE_INTEGER back;
+    back.QuadPart = -3;
+    EXPECT_EQ(reader->Seek(back, STREAM_SEEK_CUR, nullptr), STG_E_INVALIDFUNCTION);
+    EXPECT_EQ(reader->Seek({}, 3, nullptr), STG_E_INVALIDFUNCTION);
+    reader->Release();
+    writer->Release();
+}
+
+}  // namespace
