@@ -29,12 +29,9 @@ constexpr std::size_t CountDigits(uint64_t value) noexcept {
         return powers;
     }();
     // 1233 / 4096 is a little more than the logarithm of 2.
-    const uint64_t counted = value | 1;  // 0 has a digit too; no power of ten but 1 is odd
-    const auto estimate = static_cast<std::size_t>(std::bit_width(counted) * 1233 >> 12);
-    return estimate + (counted >= kPowers[estimate] ? 1 : 0);
+    const auto estimate = static_cast<std::size_t>(std::bit_width(value | 1) * 1233 >> 12);
+    return estimate + ((value | 1) >= kPowers[estimate] ? 1 : 0);
 }
-
-static_assert(CountDigits(0) == 1 && CountDigits(9) == 1 && CountDigits(10) == 2 && CountDigits(UINT64_MAX) == 20);
 
 // Writes the digits so that they end in front of `end`.
 inline void WriteDigits(WCHAR* end, uint64_t value) noexcept {

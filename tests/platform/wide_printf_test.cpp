@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <cstdio>
 #include <functional>
 #include <limits>
 
@@ -95,6 +96,23 @@ TEST(WidePrintf, StandsHugeWidthsAndPrecisions) {
     EXPECT_EQ(Print(W("%.2000000000f"), 1.0), "cut");
     EXPECT_EQ(Print(W("%99999999999999999999d%99999999999999999999d"), 1, 2), "cut");
     EXPECT_EQ(Print(W("%.400f"), 0.5), "0.5" + std::string(399, '0'));
+}
+
+// The native layer has a short way for such numbers. Other runtimes round what lies half-way in their own manner.
+TEST(WidePrintf, FixedPointIsExact) {
+    WCHAR text[64];
+    _snwprintf(text, 64, W("%.1f"), 2.25);
+    if (WStringView(text) != W("2.2")) GTEST_SKIP() << "this runtime rounds halves up";
+    uint64_t bits = 1;
+    for (int i = 0; i < 200000; ++i) {
+        bits = bits * 6364136223846793005u + 1442695040888963407u;
+        const double value = static_cast<double>(bits >> 11) / static_cast<double>(uint64_t{1} << (bits >> 5 & 63));
+        const int precision = static_cast<int>(bits >> 3 & 7);
+        char expected[64];
+        std::snprintf(expected, sizeof expected, "%.*f", precision, value);
+        _snwprintf(text, 64, W("%.*f"), precision, value);
+        ASSERT_EQ(platform::Utf8(text), expected) << std::hexfloat << value << ' ' << precision;
+    }
 }
 
 }  // namespace
