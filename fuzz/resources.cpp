@@ -63,7 +63,6 @@ int FuzzResources(const uint8_t* data, size_t size) {
                 KtCleanMenu(menu, nullptr, 0);
                 FuzzRequire(DestroyMenu(menu) != FALSE, "a menu that was made can be destroyed");
             }
-            FuzzRequire(KtLoadAccelerators(lang, name) == nullptr, "there are no accelerators here");
             const HRSRC found = KtFindResource(lang, name, RT_DIALOG);
             FuzzRequire(!found || KtLoadResource(lang, found), "what is found can be loaded");
         }

@@ -35,7 +35,7 @@ void* NewArray(const tKTLIST& list, int64_t slots) noexcept {
 [[nodiscard]] HRESULT SetAllocated(tKTLIST& list, int64_t slots) noexcept {
     void* const array = NewArray(list, slots);
     if (!array) return E_OUTOFMEMORY;
-    std::memcpy(array, list.array, BytesOf(list, list.count));
+    std::memcpy(array, list.array, BytesOf(list, static_cast<int32_t>(std::min<int64_t>(list.allocated, slots))));
     GlobalFree(list.array);
     list.array = array;
     list.allocated = static_cast<int32_t>(slots);

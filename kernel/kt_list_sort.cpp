@@ -12,10 +12,10 @@ int Levels(std::size_t upper, std::size_t lower) noexcept { return std::countl_z
 // The two kinds of array, with items counted from 1 as a heap has them.
 class Pointers {
   public:
-    explicit Pointers(const tKTLIST& list) noexcept : slots_(static_cast<void**>(list.array) - 1) {}
-    const void* operator[](std::size_t i) const noexcept { return slots_[i]; }
-    void Swap(std::size_t a, std::size_t b) const noexcept { std::swap(slots_[a], slots_[b]); }
-    void Put(std::size_t i, const void* item) const noexcept { slots_[i] = const_cast<void*>(item); }
+    explicit Pointers(const tKTLIST& list) noexcept : slots_(static_cast<void**>(list.array)) {}
+    const void* operator[](std::size_t i) const noexcept { return slots_[i - 1]; }
+    void Swap(std::size_t a, std::size_t b) const noexcept { std::swap(slots_[a - 1], slots_[b - 1]); }
+    void Put(std::size_t i, const void* item) const noexcept { slots_[i - 1] = const_cast<void*>(item); }
 
   private:
     void** slots_;

@@ -95,17 +95,22 @@ void KtLang_UpdateThreadLocale(HKTLANG handle) noexcept {
     const LCID lcid = KtLang_GetLCID(handle);
     SetThreadLocale(lcid);
     const platform::ActivationScope scope;
-    const platform::ScopedLibrary controls(LoadLibraryW(W("comctl32.dll")));
+    // Never freed: what is set here would go with the library.
+    static const HMODULE controls = LoadLibraryW(W("comctl32.dll"));
     if (!controls) return;
     using InitLanguage = void(WINAPI*)(LANGID);
-    const FARPROC found = GetProcAddress(controls.Get(), "InitMUILanguage");
+    const FARPROC found = GetProcAddress(controls, "InitMUILanguage");
     if (found) reinterpret_cast<InitLanguage>(reinterpret_cast<void*>(found))(static_cast<LANGID>(lcid));
 }
 
 int32_t KtLang_ChangeLangInst(HKTLANG handle, HMODULE language_module) noexcept {
     const HKTLANG kernel = KernelLanguage();
     if (!kernel || !handle) return 0;
-    if (language_module) handle->language_module = kernel->language_module = language_module;
+    if (!language_module) return 1;
+    for (const HKTLANG one : {handle, kernel}) {
+        const platform::CriticalSectionLock hold(one->lock);
+        one->language_module = language_module;
+    }
     return 1;
 }
 

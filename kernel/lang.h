@@ -46,7 +46,9 @@ KT_API int32_t KtLang_UpdateKernelLCID(HKTLANG handle, LCID lcid, int32_t reserv
 // The calling thread's locale, and that of the common controls where they are, become the handle's.
 KT_API void KtLang_UpdateThreadLocale(HKTLANG handle) noexcept;
 // Gives another satellite to `handle` and to the kernel's own handle. The old one is not freed; the new one is freed by
-// both handles' ends, so that each must have a reference of its own. Null changes nothing. 0 when a handle is missing.
+// both handles' ends, so that each must have a reference of its own, and must stay loaded for as long as rows that took
+// texts out of it are used. Texts that were given before stay those of the old one until the language changes. Null
+// changes nothing. 0 when a handle is missing.
 KT_API int32_t KtLang_ChangeLangInst(HKTLANG handle, HMODULE language_module) noexcept;
 // The satellite while it is in use, else the base module. Null for null.
 KT_API HMODULE KtLang_InstFromLang(HKTLANG handle) noexcept;

@@ -1,11 +1,8 @@
 #include "kernel/lang_menus.h"
 
-#include <iterator>
-#include <utility>
-
 #include "kernel/lang_handle.h"
 #include "kernel/lang_resource_search.h"
-#include "kernel/print.h"
+#include "kernel/print_engine.h"
 
 namespace {
 
@@ -48,12 +45,6 @@ void RemoveMarks(HMENU menu) noexcept {
         if (rest.data() != text) SetText(menu, i, text + (rest.data() - text));
         if (const HMENU below = GetSubMenu(menu, i)) RemoveMarks(below);
     }
-}
-
-// The formatter has no way to know that there are no arguments, so every conversion that a text has room for gets one.
-template <std::size_t... Index>
-HRESULT FormatWithoutArguments(WCHAR* out, const WCHAR* format, std::index_sequence<Index...>) noexcept {
-    return KtCchPrintF(out, kLongestReplacedText, nullptr, format, (static_cast<void>(Index), kNoText)...);
 }
 
 void EnableAll(HMENU menu, UINT flags) noexcept {
@@ -107,9 +98,9 @@ int32_t KtCleanMenu(HMENU menu, HMENU parent, int32_t position) noexcept {
         if (const HMENU below = GetSubMenu(menu, i)) KtCleanMenu(below, menu, i);
     }
     for (int i = GetMenuItemCount(menu); i-- > 0;) {
-        // What stands behind has been looked at: a separator there has an item behind it.
+        // What stands behind has been looked at. Of several separators the first one is left, until it comes first.
         const bool at_end = i == GetMenuItemCount(menu) - 1;
-        if (IsSeparator(menu, i) && (i == 0 || at_end || IsSeparator(menu, i + 1))) DeleteAt(menu, i);
+        if (IsSeparator(menu, i) && (i == 0 || at_end || IsSeparator(menu, i - 1))) DeleteAt(menu, i);
     }
     if (!parent || GetMenuItemCount(menu) != 0) return 0;
     DeleteAt(parent, position);
@@ -136,7 +127,7 @@ void KtMenuReplaceTokens(HMENU menu) noexcept {
         WCHAR text[kLongestItemText] = {};
         WCHAR replaced[kLongestReplacedText] = {};
         GetMenuStringW(menu, static_cast<UINT>(i), text, kLongestItemText, MF_BYPOSITION);
-        FormatWithoutArguments(replaced, text, std::make_index_sequence<kLongestItemText / 2>());
+        PrintWithoutArguments(replaced, kLongestReplacedText, text);
         if (WStringView(text) != replaced) SetText(menu, i, replaced);
         if (const HMENU below = GetSubMenu(menu, i)) KtMenuReplaceTokens(below);
     }

@@ -29,5 +29,5 @@ KT_API void KtGrayMenu(HMENU menu, const uint32_t* ids, int32_t count) noexcept;
 KT_API void KtGrayAllMenuItems(HMENU menu) noexcept;
 KT_API void KtEnableAllMenuItems(HMENU menu) noexcept;
 // Runs item texts, up to 99 characters, through the formatter, for the sake of its tokens. There are no arguments: an
-// item that asks for some gets empty ones.
+// item that asks for some gets zeros and empty texts.
 KT_API void KtMenuReplaceTokens(HMENU menu) noexcept;

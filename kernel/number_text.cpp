@@ -67,53 +67,51 @@ Style StyleOf(NumberForm form, const Parts& parts, int32_t decimals) noexcept {
     return {form == NumberForm::kGroupedDecimal, counted ? parts.fraction.size() : static_cast<std::size_t>(decimals)};
 }
 
-// Into a caller's room; what does not fit is found out before it is written.
-class RoomedText {
-  public:
-    RoomedText(WCHAR* out, std::size_t room) noexcept : start_(out), out_(out), end_(out + room) {}
-    void Put(WCHAR c) noexcept {
-        if (out_ == end_) {
-            fits_ = false;
-        } else {
-            *out_++ = c;
-        }
-    }
-    void Put(WStringView text) noexcept {
-        for (const WCHAR c : text) Put(c);
-    }
-    // Characters, or nothing when they did not fit.
-    [[nodiscard]] int32_t Length() const noexcept { return fits_ ? static_cast<int32_t>(out_ - start_) : 0; }
+WCHAR* CopyAll(WCHAR* out, WStringView text) noexcept { return std::copy(text.begin(), text.end(), out); }
 
-  private:
-    WCHAR* start_;
-    WCHAR* out_;
-    WCHAR* end_;
-    bool fits_ = true;
-};
+// Digits in groups of three, the usual way, and of any other size; the first group may be shorter.
+WCHAR* CopyGroups(WCHAR* out, WStringView digits, std::size_t first, std::size_t group,
+                  WStringView separator) noexcept {
+    const WCHAR* at = digits.data();
+    const WCHAR* const end = at + digits.size();
+    for (std::size_t i = 0; i < first; ++i) *out++ = *at++;
+    while (at != end) {
+        for (const WCHAR c : separator) *out++ = c;
+        if (group == 3) {
+            out[0] = at[0];
+            out[1] = at[1];
+            out[2] = at[2];
+            out += 3;
+        } else {
+            out = std::copy_n(at, group, out);
+        }
+        at += group;
+    }
+    return out;
+}
 
 // As the platform writes numbers, for those that need no rounding: nearly all, and so without its call. 0 when there is
 // no room, which is counted without the terminator.
 int32_t WriteExactly(const Parts& parts, const Style& style, const KTINTERNATIONALS& record, WCHAR* out,
                      std::size_t room) noexcept {
-    RoomedText text(out, room);
-    if (parts.negative) text.Put(W('-'));
-    if (parts.whole.empty() && record.leading_zero != 0) text.Put(W('0'));
+    const std::size_t whole = parts.whole.size();
+    const std::size_t group = style.grouped && record.grouping != 0 && whole != 0 ? record.grouping : whole + 1;
+    // A division that the compiler knows is much quicker than one that it does not.
+    const std::size_t separators = whole <= group ? 0 : group == 3 ? (whole - 1) / 3 : (whole - 1) / group;
     const WStringView separator(record.thousands.text, record.thousands.length);
-    const std::size_t group = style.grouped && record.grouping != 0 ? record.grouping : parts.whole.size() + 1;
-    std::size_t until = parts.whole.size() % group;
-    if (until == 0) until = group;
-    for (const WCHAR digit : parts.whole) {
-        if (until == 0) {
-            text.Put(separator);
-            until = group;
-        }
-        text.Put(digit);
-        --until;
-    }
-    if (style.decimals > 0) text.Put({record.decimal.text, record.decimal.length});
-    text.Put(parts.fraction);
-    for (std::size_t i = parts.fraction.size(); i < style.decimals; ++i) text.Put(W('0'));
-    return text.Length();
+    const bool zero = whole == 0 && record.leading_zero != 0;
+    std::size_t length = (parts.negative ? 1u : 0u) + (zero ? 1u : 0u) + whole + separators * separator.size();
+    if (style.decimals > 0) length += record.decimal.length + style.decimals;
+    if (length > room) return 0;
+
+    WCHAR* at = out;
+    if (parts.negative) *at++ = W('-');
+    if (zero) *at++ = W('0');
+    at = CopyGroups(at, parts.whole, whole - separators * group, group, separator);
+    if (style.decimals > 0) at = CopyAll(at, {record.decimal.text, record.decimal.length});
+    at = CopyAll(at, parts.fraction);
+    std::fill_n(at, style.decimals - parts.fraction.size(), W('0'));
+    return static_cast<int32_t>(length);
 }
 
 // By the platform, which rounds. 0 when there is no room.
@@ -142,6 +140,13 @@ int32_t PlainMinus(WCHAR* text, int32_t length, WStringView sign) noexcept {
     text[0] = W('-');
     std::copy(text + sign.size(), text + number.size() + 1, text + 1);
     return length - static_cast<int32_t>(sign.size()) + 1;
+}
+
+int32_t GroupDigits(WStringView digits, WCHAR* out, std::size_t room, const KTINTERNATIONALS& record) noexcept {
+    Parts parts;
+    parts.negative = digits.front() == W('-');
+    parts.whole = digits.substr(parts.negative ? 1 : 0);
+    return WriteExactly(parts, {true, 0}, record, out, room);
 }
 
 NumberText FormatNumberText(const WCHAR* source, WCHAR* out, int32_t size, NumberForm form, int32_t decimals,

@@ -6,6 +6,7 @@
 // Any thread.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 
 #include "kernel/internationals.h"
@@ -33,6 +34,10 @@ struct NumberText {
 // As the operations above, and says which of the two it was that failed. The last argument is the record to go by.
 NumberText FormatNumberText(const WCHAR* source, WCHAR* out, int32_t size, NumberForm form, int32_t decimals,
                             const KTINTERNATIONALS& record) noexcept;
+
+// The digits of a whole number other than 0, with or without a '-', in groups. Characters, no terminator; 0 when they
+// do not fit into `room`. Only with a record that is filled.
+int32_t GroupDigits(WStringView digits, WCHAR* out, std::size_t room, const KTINTERNATIONALS& record) noexcept;
 
 // Puts "-" in the place of a sign at the front of `text`; returns the new length.
 int32_t PlainMinus(WCHAR* text, int32_t length, WStringView sign) noexcept;

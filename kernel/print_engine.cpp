@@ -4,6 +4,7 @@
 #include <array>
 #include <cmath>
 #include <limits>
+#include <type_traits>
 
 #include "kernel/characters.h"
 #include "kernel/digits.h"
@@ -147,7 +148,7 @@ std::size_t PaddedHexDigits(WStringView body) noexcept {
 // N of a body ".Nz", 0 for any other.
 int32_t FixedPointDecimals(WStringView body) noexcept {
     if (body.size() < 3 || body.front() != W('.')) return 0;
-    constexpr auto kMostDecimals = static_cast<int32_t>(kLongestNumber - WStringView(W("0.")).size());
+    constexpr int32_t kMostDecimals = std::numeric_limits<double>::max_exponent10;
     int32_t decimals = 0;
     for (const WCHAR c : body.substr(1, body.size() - 2)) {
         if (!IsDigit(c)) return 0;
@@ -184,11 +185,9 @@ WStringView TimeSeparator(const KTINTERNATIONALS& record, WCHAR kind, WCHAR choi
 
 class Engine {
   public:
-    Engine(Sink& sink, TextRule rule, const WCHAR* format, std::va_list arguments) noexcept
-        : sink_(sink), rule_(rule), at_(format) {
-        va_copy(arguments_, arguments);
-    }
-    ~Engine() { va_end(arguments_); }
+    // Without arguments each is a zero or an empty text.
+    Engine(Sink& sink, TextRule rule, const WCHAR* format, PrintArguments* arguments) noexcept
+        : sink_(sink), rule_(rule), at_(format), arguments_(arguments) {}
     Engine(const Engine&) = delete;
     Engine& operator=(const Engine&) = delete;
 
@@ -204,6 +203,10 @@ class Engine {
             } else if (c == W('$') && at_[1] == W('(')) {
                 at_ += 2;
                 IsDigit(*at_) || *at_ == W('-') || *at_ == W('.') ? LiteralNumber() : NamedText();
+            } else if (at_[1] == W('d')) {
+                // What is printed most goes the shortest way.
+                at_ += 2;
+                Digits(Take<int32_t>(), c == W('$'));
             } else {
                 Convert(Gather());
             }
@@ -212,6 +215,16 @@ class Engine {
     }
 
   private:
+    template <class Argument>
+    Argument Take() noexcept {
+        if (arguments_) return va_arg(arguments_->list, Argument);
+        if constexpr (std::is_pointer_v<Argument>) {
+            return W("");
+        } else {
+            return Argument{};
+        }
+    }
+
     void LiteralNumber() noexcept {
         const WCHAR* const start = at_++;
         const auto length = [&] { return static_cast<std::size_t>(at_ - start); };
@@ -275,15 +288,13 @@ class Engine {
                 return ChosenSeparator(TimeSeparator(record, conversion.kind, *at_));
             case W('d'):
             case W('i'):
-                return conversion.IsBare() ? Digits(va_arg(arguments_, int32_t), conversion.grouped)
-                                           : Integer(conversion);
+                return conversion.IsBare() ? Digits(Take<int32_t>(), conversion.grouped) : Integer(conversion);
             case W('u'):
-                return conversion.IsBare() ? Digits(va_arg(arguments_, uint32_t), conversion.grouped)
-                                           : Integer(conversion);
+                return conversion.IsBare() ? Digits(Take<uint32_t>(), conversion.grouped) : Integer(conversion);
             case W('c'):
-                return Character(conversion, va_arg(arguments_, int));
+                return Character(conversion, Take<int>());
             case W('s'):
-                return Text(conversion, va_arg(arguments_, const WCHAR*));
+                return Text(conversion, Take<const WCHAR*>());
             case W('z'):
                 return FixedPoint(conversion);
             case W('e'):
@@ -291,7 +302,7 @@ class Engine {
             case W('f'):
             case W('g'):
             case W('G'):
-                return Float(conversion, va_arg(arguments_, double));
+                return Float(conversion, Take<double>());
             default:
                 return Integer(conversion);
         }
@@ -309,9 +320,27 @@ class Engine {
     }
 
     void Digits(int64_t value, bool grouped) noexcept {
+        const KTINTERNATIONALS& record = InternationalsRecord();
+        if (!grouped || value == 0 || record.record_size == 0) return PlainDigits(value);
         const DecimalDigits digits(value);
-        if (grouped) return Number(digits.Text(), digits.View(), NumberForm::kGrouped, 0);
-        status_ = sink_.Put(digits.View()) ? S_OK : kBufferTooSmall;
+        const int32_t length = GroupDigits(digits.View(), sink_.Tail(), sink_.Room(), record);
+        sink_.Advance(static_cast<std::size_t>(length));
+        if (length == 0) sink_.Put(digits.View());
+        status_ = length > 0 ? S_OK : kBufferTooSmall;
+    }
+
+    void PlainDigits(int64_t value) noexcept {
+        const uint64_t magnitude = Magnitude(value);
+        const std::size_t length = CountDigits(magnitude) + (value < 0 ? 1 : 0);
+        if (length > sink_.Room()) {
+            sink_.Put(DecimalDigits(value).View());
+            status_ = kBufferTooSmall;
+            return;
+        }
+        if (value < 0) *sink_.Tail() = W('-');
+        WriteDigits(sink_.Tail() + length, magnitude);
+        sink_.Advance(length);
+        status_ = S_OK;
     }
 
     // "I32" is a 32-bit number, an I with anything else a 64-bit one. The runtime gets 64 bits in any case, so that
@@ -319,9 +348,9 @@ class Engine {
     int64_t TakeInteger(const Conversion& conversion, WCHAR kind) noexcept {
         const std::size_t prefix = conversion.body.find(W('I'));
         if (prefix != WStringView::npos && !conversion.body.substr(prefix).starts_with(W("I32"))) {
-            return va_arg(arguments_, int64_t);
+            return Take<int64_t>();
         }
-        const int32_t value = va_arg(arguments_, int32_t);
+        const int32_t value = Take<int32_t>();
         return kind == W('d') || kind == W('i') ? value : int64_t{static_cast<uint32_t>(value)};
     }
 
@@ -364,7 +393,7 @@ class Engine {
     }
 
     void FixedPoint(const Conversion& conversion) noexcept {
-        const int32_t value = va_arg(arguments_, int32_t);
+        const int32_t value = Take<int32_t>();
         if (const int32_t decimals = FixedPointDecimals(conversion.body)) {
             const RuntimeNumber number(decimals, value / PowerOfTen(decimals));
             return Number(number.Text(), number.View(),
@@ -399,15 +428,24 @@ class Engine {
         sink_.Put(conversion.body);
     }
 
+    // A bounded print refuses a size that cannot be one.
+    bool HasTooMuchRoom() noexcept {
+        if (rule_ == TextRule::kPlatform || sink_.Room() < std::numeric_limits<int32_t>::max()) return false;
+        status_ = E_INVALIDARG;
+        return true;
+    }
+
     void Character(const Conversion& conversion, int c) noexcept {
         const WCHAR unit = static_cast<WCHAR>(c);
         if (!conversion.IsBare()) return ByPrint(conversion, c);
+        if (HasTooMuchRoom()) return;
         if (unit != 0) sink_.Put(unit);
         status_ = S_OK;
     }
 
     void Text(const Conversion& conversion, const WCHAR* text) noexcept {
         if (!conversion.IsBare()) return ByPrint(conversion, text);
+        if (HasTooMuchRoom()) return;
         WStringView view = text ? WStringView(text) : WStringView(W("(null)"));
         if (rule_ == TextRule::kPlatform) view = view.substr(0, kLongestPlatformText);
         status_ = sink_.Put(view) ? S_OK : kTextCut;
@@ -425,10 +463,7 @@ class Engine {
             return;
         }
         // What is printed is cut where the room ends, and not gathered before.
-        if (sink_.Room() >= static_cast<std::size_t>(std::numeric_limits<int32_t>::max())) {
-            status_ = E_INVALIDARG;
-            return;
-        }
+        if (HasTooMuchRoom()) return;
         const int length = _snwprintf(sink_.Tail(), sink_.Room() + 1, format.Text(), argument);
         const bool cut = length < 0 || static_cast<std::size_t>(length) > sink_.Room();
         const std::size_t stored = cut ? sink_.Room() : static_cast<std::size_t>(length);
@@ -440,15 +475,22 @@ class Engine {
     Sink& sink_;
     TextRule rule_;
     const WCHAR* at_;
-    std::va_list arguments_;
+    PrintArguments* arguments_;
     HRESULT status_ = S_OK;
 };
 
 }  // namespace
 
-Printed Print(WCHAR* out, std::size_t size, TextRule rule, const WCHAR* format, std::va_list arguments) noexcept {
+Printed Print(WCHAR* out, std::size_t size, TextRule rule, const WCHAR* format, PrintArguments& arguments) noexcept {
     Sink sink(out, size - 1);
-    const HRESULT status = Engine(sink, rule, format, arguments).Run();
+    const HRESULT status = Engine(sink, rule, format, &arguments).Run();
+    sink.Terminate();
+    return {status, sink.Length()};
+}
+
+Printed PrintWithoutArguments(WCHAR* out, std::size_t size, const WCHAR* format) noexcept {
+    Sink sink(out, size - 1);
+    const HRESULT status = Engine(sink, TextRule::kBounded, format, nullptr).Run();
     sink.Terminate();
     return {status, sink.Length()};
 }

@@ -19,7 +19,15 @@ struct Printed {
     std::size_t length;  // characters, without the terminator
 };
 
+// The arguments of a format, which printing uses up.
+struct PrintArguments {
+    std::va_list list;
+};
+
 // `size` counts the terminator and is at least 1, or kUnlimited; neither pointer is null.
-Printed Print(WCHAR* out, std::size_t size, TextRule rule, const WCHAR* format, std::va_list arguments) noexcept;
+Printed Print(WCHAR* out, std::size_t size, TextRule rule, const WCHAR* format, PrintArguments& arguments) noexcept;
+
+// The same, bounded, for a text that nobody has arguments for: each one that it asks for is 0 or empty.
+Printed PrintWithoutArguments(WCHAR* out, std::size_t size, const WCHAR* format) noexcept;
 
 }  // namespace clipfio

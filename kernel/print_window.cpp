@@ -17,7 +17,10 @@ class FormattedText {
   public:
     FormattedText(const WCHAR* format, std::va_list arguments) noexcept : text_(format) {
         if (WStringView(format).find_first_of(W("$%")) == WStringView::npos) return;
-        clipfio::Print(buffer_, kLongest, clipfio::TextRule::kPlatform, format, arguments);
+        clipfio::PrintArguments taken;
+        va_copy(taken.list, arguments);
+        clipfio::Print(buffer_, kLongest, clipfio::TextRule::kPlatform, format, taken);
+        va_end(taken.list);
         text_ = buffer_;
     }
     FormattedText(const FormattedText&) = delete;

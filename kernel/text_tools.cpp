@@ -51,8 +51,7 @@ int32_t KtStripWhiteSpace(WCHAR* text) noexcept {
 }
 
 WCHAR* KtPrepareName(const WCHAR* source, WCHAR* out, int32_t size) noexcept {
-    CopyText(out, size, {});
-    return source && CopyText(out, size, Trimmed(source)) > 0 ? out : nullptr;
+    return CopyText(out, size, source ? Trimmed(source) : WStringView()) > 0 ? out : nullptr;
 }
 
 int32_t KtFixNameForMenu(WCHAR* out, const WCHAR* source, int32_t size) noexcept {

@@ -2,9 +2,11 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 
 #include "kernel/clock_time.h"
 #include "kernel/display_formats.h"
+#include "kernel/internationals.h"
 #include "kernel/music_time.h"
 #include "kernel/text_to_number.h"
 #include "kernel/time_fields.h"
@@ -32,13 +34,9 @@ struct Text {
 
 Text SkipSign(const WCHAR* text) noexcept {
     if (!text) text = W("");
-    const auto skip_blanks = [&] {
-        while (clipfio::IsBlank(*text)) ++text;
-    };
-    skip_blanks();
+    while (clipfio::IsBlank(*text)) ++text;
     if (*text != W('-')) return {text};
     ++text;
-    skip_blanks();
     return {text, *text != 0};
 }
 
@@ -124,6 +122,24 @@ int64_t ReadPosition(const WCHAR* text, const _ktposfmt& position, uint32_t flag
     return smpte ? ReadTimecode(text, smpte) : 0;
 }
 
+// Where a number ends whose first group of digits is `digits`: a thousands separator belongs to it between digits only.
+const WCHAR* EndOfGroups(WStringView digits) noexcept {
+    const KTINTERNATIONALS& record = clipfio::InternationalsRecord();
+    const WStringView separator(record.thousands.text, record.thousands.length);
+    const WCHAR* end = digits.data() + digits.size();
+    while (!separator.empty() && WStringView(end).starts_with(separator) && clipfio::IsDigit(end[separator.size()])) {
+        end += separator.size();
+        while (clipfio::IsDigit(*end)) ++end;
+    }
+    return end;
+}
+
+int32_t ReadWhole(WStringView number) noexcept {
+    WCHAR text[64];
+    *std::copy_n(number.data(), std::min(number.size(), std::size(text) - 1), text) = 0;
+    return KtTextToLongToken(text, nullptr);
+}
+
 }  // namespace
 
 int64_t KtTextToNanoTimeToken2(const WCHAR* text, const _ktposfmt* format, int64_t default_value, int64_t minimum,
@@ -190,8 +206,8 @@ int64_t KtTextToFeetAndFramesToken(const WCHAR* text, const _ktposfmt* format, i
         feet = frames;
         frames = 0;
         if (field.digits.empty()) continue;
-        const WCHAR* end = nullptr;
-        frames = KtTextToLongToken(field.digits.data(), &end);
+        const WCHAR* const end = EndOfGroups(field.digits);
+        frames = ReadWhole({field.digits.data(), end});
         reader.ContinueAt(end);
     }
     const int64_t all = feet * (is_16mm ? clipfio::kFramesPerFoot16 : clipfio::kFramesPerFoot35) + frames;

@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <sys/statvfs.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -278,6 +279,20 @@ extern "C" DWORD GetFileAttributesW(const WCHAR* path) noexcept {
         if (S_ISDIR(facts.st_mode)) attributes |= FILE_ATTRIBUTE_DIRECTORY;
         if (IsReadOnly(facts.st_mode)) attributes |= FILE_ATTRIBUTE_READONLY;
         return attributes ? attributes : FILE_ATTRIBUTE_NORMAL;
+    });
+}
+
+extern "C" BOOL GetDiskFreeSpaceExW(const WCHAR* folder, ULARGE_INTEGER* free_for_caller, ULARGE_INTEGER* all,
+                                    ULARGE_INTEGER* all_free) noexcept {
+    return Guarded(FALSE, [=]() -> BOOL {
+        struct statvfs facts {};
+        const auto posix = platform::PosixPath(folder);
+        if (!posix) return FALSE;
+        if (statvfs(posix->c_str(), &facts) != 0) return Fail(platform::PathError(errno, *posix));
+        if (free_for_caller) free_for_caller->QuadPart = facts.f_bavail * facts.f_frsize;
+        if (all) all->QuadPart = facts.f_blocks * facts.f_frsize;
+        if (all_free) all_free->QuadPart = facts.f_bfree * facts.f_frsize;
+        return TRUE;
     });
 }
 

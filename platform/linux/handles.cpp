@@ -97,10 +97,10 @@ bool Destroy(HandleSlot& slot) noexcept {
         case HandleType::kProcess:
             DestroyProcess(slot);
             return true;
-        case HandleType::kKey:
         case HandleType::kWindow:
             FreeWindow(slot.window);
             return true;
+        case HandleType::kKey:
         case HandleType::kNone:
             break;
     }

@@ -216,7 +216,8 @@ bool RegistryFile::Open(const std::string& folder, Use use) {
     if (database_) {
         int has_moved = 0;
         sqlite3_file_control(database_, "main", SQLITE_FCNTL_HAS_MOVED, &has_moved);
-        if (path == path_ && !has_moved && !is_broken_ && (use == Use::kRead || !is_read_only_)) return true;
+        // One that may only be read does not see what others write, and so is opened for each call.
+        if (path == path_ && !has_moved && !is_broken_ && !is_read_only_) return true;
         Close();
     }
     struct stat facts {};

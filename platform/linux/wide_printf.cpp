@@ -5,6 +5,7 @@
 #include <charconv>
 #include <cmath>
 #include <cstring>
+#include <iterator>
 #include <limits>
 
 #include "platform/text.h"
@@ -245,6 +246,32 @@ void PrintNotFinite(Sink& sink, const Conversion& c, double value, bool scientif
     PrintNumber(sink, c, n, true);
 }
 
+// The exact digits of a fixed-point number, rounded half to even as those of to_chars, where 128 bits hold all of it:
+// much quicker than in general. Null for any other number.
+char* SmallFixed(char* out, char* limit, double magnitude, int precision) noexcept {
+    constexpr std::uint64_t kPowers[] = {1, 10, 100, 1000, 10000, 100000, 1000000};
+    constexpr double kGreatest = 9007199254740992.0;
+    constexpr int kMantissaBits = 53;
+    if (precision >= static_cast<int>(std::size(kPowers)) || magnitude >= kGreatest || magnitude < 1) return nullptr;
+    int exponent = 0;
+    const double fraction = std::frexp(magnitude, &exponent);
+    const auto mantissa = static_cast<std::uint64_t>(std::ldexp(fraction, kMantissaBits));
+    const int shift = kMantissaBits - exponent;  // 0 to 52
+    __extension__ using Wide = unsigned __int128;
+    const Wide scaled = Wide{mantissa} * kPowers[precision];
+    const Wide rest = scaled & ((Wide{1} << shift) - 1);
+    const Wide half = shift == 0 ? Wide{1} : Wide{1} << (shift - 1);
+    Wide units = scaled >> shift;
+    if (rest > half || (rest == half && (units & 1) != 0)) ++units;
+    const auto whole = static_cast<std::uint64_t>(units / kPowers[precision]);
+    auto part = static_cast<std::uint64_t>(units % kPowers[precision]);
+    char* end = std::to_chars(out, limit, whole).ptr;
+    if (precision == 0) return end;
+    *end = '.';
+    for (int i = precision; i > 0; --i, part /= 10) end[i] = static_cast<char>('0' + part % 10);
+    return end + precision + 1;
+}
+
 void PrintDouble(Sink& sink, const Conversion& c, double value) noexcept {
     const WCHAR kind = c.letter | 0x20;
     const bool upper = c.letter != kind;
@@ -258,6 +285,8 @@ void PrintDouble(Sink& sink, const Conversion& c, double value) noexcept {
     char* end = text;
     if (kind == u'g' && c.alternate) {
         end = AlternateGeneral(text, limit, magnitude, precision);
+    } else if (char* const quick = kind == u'f' ? SmallFixed(text, limit, magnitude, precision) : nullptr) {
+        end = quick;
     } else {
         const auto format = kind == u'e'   ? std::chars_format::scientific
                             : kind == u'f' ? std::chars_format::fixed

@@ -121,15 +121,16 @@ class Info(CommandTest):
         self.clipfio("info", "./sub/../sub/b.r3d")
 
     def test_path_that_is_too_long(self):
-        # As long as the module's paths may be, and one more.
-        for length, opens in [(259, True), (260, False)]:
+        # As long as the module's paths may be, with the settings file's and without, and one more.
+        for length, message in [(253, None), (259, "the name cannot be used: it is too long"),
+                                (260, "259 characters at most")]:
             with self.subTest(length):
                 folder = "é" * 100 + "/" + "漢" * 80
                 os.makedirs(self.path(folder), exist_ok=True)
                 name = (folder + "/").ljust(length - len(".r3d"), "x") + ".r3d"
                 os.rename(self.path(self.sample()), self.path(name))
-                result = self.clipfio("info", name, expect=0 if opens else 1)
-                self.assertIn("R3D Video" if opens else "259 characters at most", result.out if opens else result.err)
+                result = self.clipfio("info", name, expect=1 if message else 0)
+                self.assertIn(message or "96x64", result.err if message else result.out)
 
     def test_failures_do_not_stop_the_others(self):
         self.sample("good.r3d")

@@ -125,6 +125,12 @@ class Targets(CommandTest):
         self.clipfio("export", folder + "a.r3d", folder + "d", "--to", "0")
         self.assertEqual((self.names(), self.names("d")), (["a-0.png", "a.r3d", "d", "x.png"], ["000000.png"]))
 
+    def test_a_name_that_ends_in_a_blank(self):
+        os.rename(self.path("a.r3d"), self.path("a.r3d "))
+        (entry,) = self.clipfio("settings", "--json", "a.r3d ", "--set", "Tint=5").json["files"]
+        self.assertEqual((entry["written"], entry["settings"]["file"]), (True, "a.r3d .KtDecProp"))
+        self.assertEqual(self.names(), ["a.r3d ", "a.r3d .KtDecProp"])
+
     def test_a_pipe_is_no_clip(self):
         os.mkfifo(self.path("fifo"))
         for command in (["info", "fifo"], ["frame", "fifo", "0"], ["settings", "fifo", "--set", "Tint=1"]):

@@ -47,34 +47,42 @@ class DialogSize : public testing::Test {
     void TearDown() override { clipfio::SetUiFontUnits(nullptr); }
 };
 
-// No font can be measured without a screen, so the standard font's units serve for all of them.
+// What the font of a template is laid out in; the standard font's units where it cannot be measured.
+SIZE UnitsOf(int32_t points, int32_t weight, int32_t italic) {
+    SIZE units{};
+    return points && KtGetDialogUnitsForFont(nullptr, W("Sans"), points, weight, italic, 1, &units) ? units
+                                                                                                    : SIZE{6, 13};
+}
+
 TEST_F(DialogSize, IsThatOfTheTemplateInTheUnitsOfTheFont) {
     struct {
         const char* name;
         Template dialog;
-        LONG width, height;
+        int width, height;  // in the template
+        int32_t points = 0, weight = 400, italic = 0;
     } const kRows[] = {
-        {"plain", Plain(0x80000000, 100, 80), 150, 130},
-        {"a style of nothing", Plain(0, 101, 81), 152, 132},
-        {"negative", Plain(0, 0xFFFC, 0xFFF8), -6, -13},
-        {"with a font", Plain(0x40, 4, 8).Word(0).Word(0).Text(W("title")).Word(9).Text(W("Sans")), 6, 13},
-        {"with numbers", Plain(0x40, 4, 8).Word(0xFFFF).Word(7).Word(0xFFFF).Word(9).Word(0).Word(9).Text(W("S")), 6,
-         13},
-        {"with names", Plain(0x40, 4, 8).Text(W("menu")).Text(W("class")).Word(0).Word(9).Text(W("S")), 6, 13},
-        {"no face", Plain(0x40, 4, 8).Word(0).Word(0).Word(0).Word(9).Text(kNoFace), 6, 13},
-        {"extended", Extended(0, 8, 16), 12, 26},
-        {"extended font", Extended(0x48, 8, 16).Word(0).Word(0).Word(0).Word(9).Word(700).Word(0x0100).Text(W("S")), 12,
-         26},
+        {"plain", Plain(0x80000000, 100, 80), 100, 80},
+        {"a style of nothing", Plain(0, 101, 81), 101, 81},
+        {"negative", Plain(0, 0xFFFC, 0xFFF8), -4, -8},
+        {"with a font", Plain(0x40, 4, 8).Word(0).Word(0).Text(W("title")).Word(9).Text(W("Sans")), 4, 8, 9},
+        {"with numbers", Plain(0x40, 4, 8).Word(0xFFFF).Word(7).Word(0xFFFF).Word(9).Word(0).Word(8).Text(W("Sans")), 4,
+         8, 8},
+        {"with names", Plain(0x40, 4, 8).Text(W("menu")).Text(W("class")).Word(0).Word(9).Text(W("Sans")), 4, 8, 9},
+        {"no face", Plain(0x40, 4, 8).Word(0).Word(0).Word(0).Word(9).Text(kNoFace), 4, 8},
+        {"extended", Extended(0, 8, 16), 8, 16},
+        {"extended font", Extended(0x48, 8, 16).Word(0).Word(0).Word(0).Word(14).Word(700).Word(0x0101).Text(W("Sans")),
+         8, 16, 14, 700, 1},
     };
     for (const auto& row : kRows) {
         const std::string& bytes = row.dialog.Bytes();
+        const SIZE units = UnitsOf(row.points, row.weight, row.italic);
         SIZE size{};
         EXPECT_TRUE(clipfio::DialogSizeOfTemplate(bytes.data(), bytes.size(), size)) << row.name;
-        EXPECT_EQ(size.cx, row.width) << row.name;
-        EXPECT_EQ(size.cy, row.height) << row.name;
+        EXPECT_EQ(size.cx, MulDiv(row.width, units.cx, 4)) << row.name;
+        EXPECT_EQ(size.cy, MulDiv(row.height, units.cy, 8)) << row.name;
         SIZE again{};
         EXPECT_EQ(KtGetDialogSizeIndirect(nullptr, reinterpret_cast<const DLGTEMPLATE*>(bytes.data()), &again), 1);
-        EXPECT_EQ(again.cx, row.width) << row.name;
+        EXPECT_EQ(again.cx, size.cx) << row.name;
         // Cut anywhere it is either refused, when the size itself is gone, or measured without its font.
         for (std::size_t cut = 0; cut < bytes.size(); ++cut) {
             const std::string part = bytes.substr(0, cut);

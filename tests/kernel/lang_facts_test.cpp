@@ -1,7 +1,5 @@
-// Facts about languages, and guesses at code pages.
+// Facts about languages.
 #include "kernel/lang_facts.h"
-
-#include <climits>
 
 #include "lang_fixture.h"
 
@@ -82,33 +80,6 @@ TEST_F(LanguageFacts, OrderTheNamesOfPeople) {
     EXPECT_EQ(KtLang_LocalizeUserName(nullptr, W("Ada"), W("King"), nullptr, 20), 0);
     EXPECT_TRUE(KtLang_IsLCIDEnglish(0x0809));
     EXPECT_FALSE(KtLang_IsLCIDEnglish(0x0411));
-}
-
-TEST(CodePage, IsDetectedWhereItIsBeyondDoubt) {
-    std::string japanese, russian;
-    for (int i = 0; i < 20; ++i) {
-        japanese += "日本語の文章です。漢字とかなが混ざっています。";
-        russian += "Это обычный русский текст, в котором достаточно слов. ";
-    }
-    struct {
-        std::string text;
-        uint32_t code_page;
-    } const kRows[] = {{japanese, 65001}, {russian, 65001}, {"\xEF\xBB\xBF" + japanese, 65001}};
-    for (const auto& row : kRows) {
-        uint32_t code_page = 7;
-        EXPECT_EQ(KtLang_DetectPossibleCodepage(row.text.data(), static_cast<int32_t>(row.text.size()), &code_page),
-                  S_OK);
-        EXPECT_EQ(code_page, row.code_page);
-    }
-    uint32_t code_page = 7;
-    const char noise[] = "\x81\xFF\x80\xFE\x9D\x01\xC0\xC1";
-    EXPECT_EQ(static_cast<uint32_t>(KtLang_DetectPossibleCodepage(noise, sizeof noise, &code_page)), 0x8004E1FDu);
-    EXPECT_EQ(code_page, 0u);
-    EXPECT_TRUE(FAILED(KtLang_DetectPossibleCodepage("", 0, &code_page)));
-    EXPECT_EQ(KtLang_DetectPossibleCodepage("x", -1, &code_page), E_INVALIDARG);
-    EXPECT_EQ(KtLang_DetectPossibleCodepage("x", INT_MIN, &code_page), E_INVALIDARG);
-    EXPECT_EQ(KtLang_DetectPossibleCodepage(nullptr, 1, &code_page), E_INVALIDARG);
-    EXPECT_EQ(KtLang_DetectPossibleCodepage("x", 1, nullptr), E_POINTER);
 }
 
 // The process's narrow code page has one byte to each character here.

@@ -66,6 +66,7 @@ TEST(Menus, AreCleanedOfSeparatorsThatPartNothing) {
     } const kRows[] = {
         {"ab", "ab"},
         {"-a--b-", "a-b"},
+        {"--a---b--", "a-b"},
         {"---", ""},
         {"a-(-)-b", "a-b"},
         {"(--)(-c-)", "(c)"},
@@ -161,7 +162,7 @@ TEST(Menus, HaveTheirTextsFormattedWithoutArguments) {
     const Menu menu(CreatePopupMenu());
     const HMENU below = CreatePopupMenu();
     const WString longest(90, W('x'));
-    for (const WString& text : {WString(W("100%% of $$5")), WString(W("%s[%s]%s")), longest}) {
+    for (const WString& text : {WString(W("100%% of $$5")), WString(W("%s[%d]%s%c%I64d%.1f")), longest}) {
         AppendMenuW(menu.Get(), MF_STRING, 5, text.c_str());
         AppendMenuW(below, MF_STRING | MF_GRAYED, 6, text.c_str());
     }
@@ -175,7 +176,7 @@ TEST(Menus, HaveTheirTextsFormattedWithoutArguments) {
     };
     for (const HMENU of : {menu.Get(), below}) {
         EXPECT_EQ(text(of, 0), "100% of $5");
-        EXPECT_EQ(text(of, 1), "[]");
+        EXPECT_EQ(text(of, 1), "[0]00.0");
         EXPECT_EQ(text(of, 2), platform::Utf8(longest));
     }
     EXPECT_EQ(text(menu.Get(), 4), "%");

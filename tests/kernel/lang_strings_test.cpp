@@ -52,7 +52,8 @@ TEST_F(Strings, TellRegionsApartWhereTheyDiffer) {
 std::vector<std::string> Conversions(const WCHAR* text) {
     std::vector<std::string> found;
     for (const std::string all = Utf8(text); const char c : all) {
-        const bool open = !found.empty() && found.back().find_first_of("dsucxz1", 1) == std::string::npos;
+        const bool open =
+            !found.empty() && found.back() != "%1" && found.back().find_first_of("dsucxz", 1) == std::string::npos;
         if (open) {
             found.back() += c;
         } else if (c == '%' || c == '$') {
@@ -90,6 +91,33 @@ TEST(StringTable, HasEveryTextOfEveryRow) {
         for (std::size_t row = 1; row < clipfio::kStringRows; ++row) {
             const WCHAR* const before = rows[row - 1].entries[column];
             EXPECT_EQ(rows[row].entries[column], before + WStringView(before).size() + 1);
+        }
+    }
+}
+
+// The buttons that a message box may show together, with the check box and the button of the details.
+TEST(StringTable, MarksAKeyOnceInABox) {
+    using namespace clipfio;
+    const std::vector<KTLANGSTRINGID> sets[] = {
+        {kKtStrAbort, kKtStrRetry, kKtStrIgnore},
+        {kKtStrYes, kKtStrYesToAll, kKtStrNo, kKtStrNoToAll},
+        {kKtStrYes, kKtStrNo, kKtStrDelete},
+    };
+    const auto key_of = [](KTLANGSTRINGID row, std::size_t column) {
+        const WCHAR* const text = reinterpret_cast<const KTLANGSTRINGROW*>(row)->entries[column];
+        return platform::UpperCase(text[WStringView(text).find(W('&')) + 1]);
+    };
+    for (const auto& set : sets) {
+        for (const KTLANGSTRINGID details : {kKtStrShowDetails, kKtStrNoDetails}) {
+            std::vector<KTLANGSTRINGID> rows = set;
+            rows.insert(rows.end(), {kKtStrDoNotShowAgain, details});
+            for (std::size_t column = 0; column < kKtLanguages; ++column) {
+                std::set<WCHAR> keys;
+                for (const KTLANGSTRINGID row : rows) {
+                    EXPECT_TRUE(keys.insert(key_of(row, column)).second)
+                        << column << ": " << Utf8(reinterpret_cast<const KTLANGSTRINGROW*>(row)->entries[column]);
+                }
+            }
         }
     }
 }

@@ -287,7 +287,10 @@ TEST(Print, SaysWhatBecameOfEachElementWhenTheRoomIsShort) {
     EXPECT_EQ(KtCchPrintF(text, 5, nullptr, nullptr), E_INVALIDARG);
     EXPECT_EQ(text[0], 0);
     EXPECT_EQ(KtCchPrintF(text, 5, nullptr, W("%s"), W("abcd")), S_OK);
-    EXPECT_EQ(KtCchPrintF(text, 0xFFFFFFFF, nullptr, W("%-2s"), W("a")), E_INVALIDARG);
+    for (const WCHAR* format : {W("%-2s"), W("%s")}) {
+        EXPECT_EQ(KtCchPrintF(text, 0xFFFFFFFF, nullptr, format, W("a")), E_INVALIDARG);
+    }
+    EXPECT_EQ(KtCchPrintF(text, 0xFFFFFFFF, nullptr, W("%c"), 'a'), E_INVALIDARG);
 }
 
 }  // namespace

@@ -8,6 +8,7 @@
 #include "kernel/byte_size_text.h"
 #include "kernel/colorref_text.h"
 #include "kernel/compose_text.h"
+#include "kernel/disk_space.h"
 #include "kernel/level_text.h"
 #include "kernel/stereo_names.h"
 #include "support/in_locale.h"
@@ -239,6 +240,30 @@ TEST(ByteSizes, HaveTwoDecimals) {
         KtGetByteSizeTextWithSpace(row.size, text);
         EXPECT_EQ(Utf8(text), row.spaced);
     }
+}
+
+TEST(DiskSpace, IsCountedInUnitsAndNeedsARoot) {
+    const WCHAR* const kHere = W("C:\\");
+    const uint32_t all = KtGetDiskTotalSpace(kHere, 1 << 20);
+    const uint32_t free = KtGetDiskFreeSpace(kHere, 1 << 20);
+    EXPECT_GT(all, 0u);
+    EXPECT_LT(free, all);
+    EXPECT_NEAR(KtGetDiskTotalSpace(W("C:\\no\\such\\file"), 1 << 21), all / 2, 1);
+    EXPECT_EQ(KtGetDiskTotalSpace(kHere, 0), 0xFFFFFFFF);  // more bytes than the count can hold
+    for (const WCHAR* path : {static_cast<const WCHAR*>(nullptr), W(""), W("file")}) {
+        EXPECT_EQ(KtGetDiskFreeSpace(path, 1), 0u);
+    }
+
+    const auto format = [](const WCHAR* path) {
+        WCHAR text[64] = W("~");
+        KtFormatDiskFreeSpace(path, text);
+        return Utf8(text);
+    };
+    EXPECT_EQ(format(nullptr), "-- Megabytes");
+    EXPECT_EQ(format(W("")), "-- Megabytes");
+    const std::string shown = format(kHere);
+    EXPECT_TRUE(shown.ends_with("Megabytes") || shown.ends_with("Gigabytes")) << shown;
+    EXPECT_NE(shown.front(), '-');
 }
 
 TEST(ComposedText, HasNumberedPlaces) {

@@ -43,6 +43,9 @@ extern "C" BOOL DeleteFileW(const WCHAR* path) noexcept;
 // nobody ever sees the target missing or half there.
 extern "C" BOOL MoveFileExW(const WCHAR* path, const WCHAR* new_path, DWORD flags) noexcept;
 extern "C" DWORD GetFileAttributesW(const WCHAR* path) noexcept;
+// Bytes of the disk that holds a folder: those free for the caller, all, and all that are free. Each may be null.
+extern "C" BOOL GetDiskFreeSpaceExW(const WCHAR* folder, ULARGE_INTEGER* free_for_caller, ULARGE_INTEGER* all,
+                                    ULARGE_INTEGER* all_free) noexcept;
 // Here every name is its own short form. Returns characters without the terminator, or the size wanted with it when
 // the buffer is too small, or 0.
 extern "C" DWORD GetShortPathNameW(const WCHAR* path, WCHAR* out, DWORD size) noexcept;
