@@ -73,7 +73,7 @@ void PutLabel(Destination& out, const WCHAR* format, const _smpteval& label) noe
                                           kPairs[label.frames]};
     const WCHAR colon = W(':');
     constexpr std::size_t kBeforeFrames = 14;
-    static_assert(kLabel[kBeforeFrames] == W(':') && kDropLabel[kBeforeFrames] == W(';'));
+    static_assert(clipfio::kLabel[kBeforeFrames] == W(':') && clipfio::kDropLabel[kBeforeFrames] == W(';'));
     const WCHAR last = format[kBeforeFrames];
     const WCHAR text[kLength] = {pairs[0][0], pairs[0][1], colon, pairs[1][0], pairs[1][1], colon,
                                  pairs[2][0], pairs[2][1], last,  pairs[3][0], pairs[3][1]};
