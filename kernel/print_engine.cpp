@@ -396,8 +396,10 @@ class Engine {
         const int32_t value = Take<int32_t>();
         if (const int32_t decimals = FixedPointDecimals(conversion.body)) {
             const RuntimeNumber number(decimals, value / PowerOfTen(decimals));
+            // As many as the text was not cut to.
+            const auto shown = static_cast<int32_t>(number.View().size() - number.View().find(W('.')) - 1);
             return Number(number.Text(), number.View(),
-                          conversion.grouped ? NumberForm::kGroupedDecimal : NumberForm::kDecimal, decimals);
+                          conversion.grouped ? NumberForm::kGroupedDecimal : NumberForm::kDecimal, shown);
         }
         if (!IsReadAlike(conversion.body)) return AsItStands(conversion);
         RuntimeFormat format(conversion.body);

@@ -84,19 +84,22 @@ TEST_F(ReaderFailures, AttachFailsWithTheKernelAndTheLanguageAlone) {
     file_class_.Reset();
     clipfio::DetachProcess();
     int refused = 0;
+    int failed = 0;
     for (int n = 0;; ++n) {
         faults::FailAfter(n);
         const bool attached = clipfio::AttachProcess(nullptr);
         const bool hit = faults::Hit();
         faults::Clear();
-        // What the kernel and the two language contexts need comes first.
-        EXPECT_TRUE(attached || (hit && refused == n)) << n;
+        EXPECT_TRUE(attached || hit) << n;
         refused += !attached;
+        failed += hit;
         clipfio::DetachProcess();
         EXPECT_EQ(clipfio::ProcessEditor(), nullptr);
         EXPECT_EQ(KtLang_GetLCID(clipfio::Module().hLang), 0u);
         if (!hit) break;
     }
+    // At the least the two language contexts refuse, and the decoder's search does not.
+    EXPECT_TRUE(failed == 0 || (refused >= 2 && refused < failed)) << refused << " of " << failed;
     for (int n = 0;; ++n) {
         FailingNew fail(n);
         clipfio::AttachProcess(nullptr);
