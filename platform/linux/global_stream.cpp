@@ -159,7 +159,8 @@ extern "C" HRESULT CreateStreamOnHGlobal(HGLOBAL block, BOOL free_block, IStream
     return E_OUTOFMEMORY;
 }
 
-extern "C" HRESULT GetHGlobalFromStream(IStream* stream, HGLOBAL* out) noexcept {
+// The stream may come from another copy of the layer in the process, whose type is another one to the sanitizer.
+extern "C" __attribute__((no_sanitize("vptr"))) HRESULT GetHGlobalFromStream(IStream* stream, HGLOBAL* out) noexcept {
     if (!stream || !out) return E_INVALIDARG;
     void* known = nullptr;
     if (FAILED(stream->QueryInterface(kGlobalStream, &known))) return E_INVALIDARG;
