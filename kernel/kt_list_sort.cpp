@@ -101,37 +101,33 @@ void HeapSort(const Slots& slots, std::size_t count, uintptr_t criteria, KTLISTC
     }
 }
 
+// What both sorts do around the sorting: `sort` takes the slots, their count, the criteria and the compare function.
+template <class Sort>
+HRESULT SortBy(tKTLIST* list, uintptr_t criteria, KTLISTCOMPARE compare, Sort sort) noexcept {
+    const Use use(list);
+    if (!use) return E_FAIL;
+    list->sort_criteria = criteria;
+    if (!compare || list->count < 2) return S_OK;
+    const auto count = static_cast<std::size_t>(list->count);
+    if (IsInPlace(*list)) {
+        sort(InPlace(*list), count, criteria, compare);
+    } else {
+        sort(Pointers(*list), count, criteria, compare);
+    }
+    return S_OK;
+}
+
 }  // namespace
 }  // namespace clipfio::list
 
 using namespace clipfio::list;
 
 HRESULT KtList_Sort(tKTLIST* list, uintptr_t criteria, KTLISTCOMPARE compare) noexcept {
-    const Use use(list);
-    if (!use) return E_FAIL;
-    list->sort_criteria = criteria;
-    if (!compare || list->count < 2) return S_OK;
-    const auto count = static_cast<std::size_t>(list->count);
-    if (IsInPlace(*list)) {
-        SelectionSort(InPlace(*list), count, criteria, compare);
-    } else {
-        SelectionSort(Pointers(*list), count, criteria, compare);
-    }
-    return S_OK;
+    return SortBy(list, criteria, compare, [](const auto& slots, auto... how) { SelectionSort(slots, how...); });
 }
 
 HRESULT KtList_HeapSort(tKTLIST* list, uintptr_t criteria, KTLISTCOMPARE compare) noexcept {
-    const Use use(list);
-    if (!use) return E_FAIL;
-    list->sort_criteria = criteria;
-    if (!compare || list->count < 2) return S_OK;
-    const auto count = static_cast<std::size_t>(list->count);
-    if (IsInPlace(*list)) {
-        HeapSort(InPlace(*list), count, criteria, compare);
-    } else {
-        HeapSort(Pointers(*list), count, criteria, compare);
-    }
-    return S_OK;
+    return SortBy(list, criteria, compare, [](const auto& slots, auto... how) { HeapSort(slots, how...); });
 }
 
 HRESULT KtList_SortTo(tKTLIST* destination, tKTLIST* source, uintptr_t criteria, KTLISTCOMPARE compare) noexcept {
