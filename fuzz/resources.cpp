@@ -9,13 +9,14 @@
 #include "kernel/lang_facts.h"
 #include "kernel/lang_menus.h"
 #include "kernel/lang_resources.h"
+#include "kernel/ui_fonts.h"
 
 namespace {
 
-bool Units(SIZE& units) noexcept {
-    units = {6, 13};
-    return true;
-}
+constexpr clipfio::UiFonts kFonts{nullptr, [](int, SIZE& units) noexcept {
+                                      units = {6, 13};
+                                      return true;
+                                  }};
 
 void ReadStrings(HKTLANG lang) {
     for (const uint32_t id : {0u, 1u, 15u, 16u, 17u, 32u, 0xFFFFu, 0x10000u, 0xFFFFFFFFu}) {
@@ -41,7 +42,7 @@ void ReadStrings(HKTLANG lang) {
 
 int FuzzResources(const uint8_t* data, size_t size) {
     const ResourceImageOfRun image(data, size);
-    clipfio::SetUiFontUnits(Units);
+    clipfio::SetUiFonts(&kFonts);
     SIZE alone{};
     clipfio::DialogSizeOfTemplate(data, size, alone);
     HKTLANG lang = nullptr;
@@ -71,6 +72,6 @@ int FuzzResources(const uint8_t* data, size_t size) {
     }
     KtLang_Close(lang);
     if (own_kernel) KtLang_Close(std::exchange(kernel, nullptr));
-    clipfio::SetUiFontUnits(nullptr);
+    clipfio::SetUiFonts(nullptr);
     return 0;
 }

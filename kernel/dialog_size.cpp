@@ -1,12 +1,12 @@
 #include "kernel/dialog_size.h"
 
-#include <atomic>
 #include <iterator>
 #include <limits>
 
 #include "kernel/lang_handle.h"
 #include "kernel/lang_resources.h"
 #include "kernel/text_copy.h"
+#include "kernel/ui_fonts.h"
 #include "platform/endian.h"
 #include "platform/locale.h"
 #include "platform/resources.h"
@@ -18,8 +18,6 @@ constexpr int kStandardDpi = 96;
 constexpr int32_t kNormalWeight = 400;
 constexpr uint32_t kDefaultCharset = 1;
 constexpr uint32_t kExtendedTemplate = 0xFFFF0001;
-
-constinit std::atomic<UiFontUnits> g_ui_font_units{nullptr};
 
 struct DeviceTraits {
     using Type = HDC;
@@ -175,17 +173,12 @@ bool MeasureResource(HKTLANG handle, const WCHAR* name, SIZE& size) noexcept {
 
 }  // namespace
 
-void SetUiFontUnits(UiFontUnits units) noexcept { g_ui_font_units.store(units); }
-
 bool DialogSizeOfTemplate(const void* dialog, std::size_t bytes, SIZE& size) noexcept {
     size = {};
     Header header;
     if (!TemplateReader(dialog, bytes).Read(header)) return false;
     SIZE units{};
-    if (!header.has_font || !FontUnits(header.font, units)) {
-        const UiFontUnits standard = g_ui_font_units.load();
-        if (!standard || !standard(units)) return false;
-    }
+    if (!(header.has_font && FontUnits(header.font, units)) && !UiFontUnits(kStandardUiFont, units)) return false;
     size = {MulDiv(header.width, units.cx, 4), MulDiv(header.height, units.cy, 8)};
     return true;
 }

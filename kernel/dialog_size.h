@@ -20,10 +20,6 @@ KT_API int32_t KtGetDialogUnitsForFont(HKTLANG handle, const WCHAR* face, int32_
 
 namespace clipfio {
 
-// The extent of "0" in the standard font, filled by the room that knows the fonts. False when there is none.
-using UiFontUnits = bool (*)(SIZE& units) noexcept;
-void SetUiFontUnits(UiFontUnits units) noexcept;
-
 // As KtGetDialogSizeIndirect, for a template of so many bytes.
 bool DialogSizeOfTemplate(const void* dialog, std::size_t bytes, SIZE& size) noexcept;
 

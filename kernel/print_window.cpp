@@ -57,8 +57,8 @@ int32_t SetItemTextNoFlash(HWND dialog, int32_t item, const WCHAR* format, std::
 }
 
 void Append(HWND edit, const WCHAR* text) noexcept {
-    constexpr auto kEnd = static_cast<WPARAM>(-1);
-    SendMessageW(edit, EM_SETSEL, kEnd, static_cast<LPARAM>(kEnd));
+    constexpr auto kNothing = static_cast<WPARAM>(-1);
+    SendMessageW(edit, EM_SETSEL, kNothing, static_cast<LPARAM>(kNothing));
     SendMessageW(edit, EM_REPLACESEL, FALSE, reinterpret_cast<LPARAM>(text));
 }
 

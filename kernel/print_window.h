@@ -22,6 +22,7 @@ KT_API int32_t KtSetDlgItemTextNoFlashNoF(HWND dialog, int32_t item, const WCHAR
 KT_API int32_t KtSetWindowTextId(HKTLANG handle, HWND window, uint32_t id, ...) noexcept;
 KT_API int32_t KtSetDlgItemTextId(HKTLANG handle, HWND dialog, int32_t item, uint32_t id, ...) noexcept;
 
-// Appends a line to an edit control with several lines; a '~' in front of the format leaves the line open. A null
-// format empties the control. The length of the text without its line end.
+// Adds a line to an edit control with several lines, at its caret: behind what was added last, unless the user has
+// moved it. A '~' in front of the format leaves the line open. A null format empties the control. The length of the
+// text without its line end.
 KT_API uint32_t KtMEditPrintF(HWND edit, const WCHAR* format, ...) noexcept;

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "errors.h"
+#include "font_record.h"
 #include "mappings.h"
 #include "platform/files.h"
 #include "platform/process.h"
@@ -100,6 +101,10 @@ bool Destroy(HandleSlot& slot) noexcept {
         case HandleType::kWindow:
             FreeWindow(slot.window);
             return true;
+        case HandleType::kFont:
+            FreeFont(slot.font);
+            return true;
+        case HandleType::kDeviceContext:
         case HandleType::kKey:
         case HandleType::kNone:
             break;
@@ -232,6 +237,25 @@ HWND NewWindowHandle(Window* window) noexcept {
 
 void CloseWindowHandle(HWND handle) noexcept { CloseTableHandle(handle); }
 
+HFONT NewFontHandle(Font* font) noexcept {
+    HandleSlot* const slot = TakeSlot();
+    if (!slot) {
+        FreeFont(font);
+        return nullptr;
+    }
+    slot->font = font;
+    return static_cast<HFONT>(Publish(*slot, HandleType::kFont));
+}
+
+HDC NewDeviceContextHandle() noexcept {
+    HandleSlot* const slot = TakeSlot();
+    if (!slot) return nullptr;
+    slot->selected = nullptr;
+    return static_cast<HDC>(Publish(*slot, HandleType::kDeviceContext));
+}
+
+void CloseDrawingHandle(HANDLE handle) noexcept { CloseTableHandle(handle); }
+
 HANDLE NewAliasHandle(HANDLE handle, DWORD rights) noexcept {
     HandleSlot* used = Use(handle);
     if (!used) return Fail<HANDLE>(ERROR_INVALID_HANDLE, nullptr);
@@ -259,6 +283,9 @@ HANDLE NewAliasHandle(HANDLE handle, DWORD rights) noexcept {
 extern "C" BOOL CloseHandle(HANDLE handle) noexcept {
     if (handle == GetCurrentProcess()) return TRUE;
     if (platform::IsMappingHandle(handle)) return platform::CloseMapping(handle);
-    if (platform::HandleUse(handle, platform::HandleType::kWindow)) return platform::Fail(ERROR_INVALID_HANDLE);
+    for (const auto type :
+         {platform::HandleType::kWindow, platform::HandleType::kFont, platform::HandleType::kDeviceContext}) {
+        if (platform::HandleUse(handle, type)) return platform::Fail(ERROR_INVALID_HANDLE);
+    }
     return platform::CloseTableHandle(handle);
 }

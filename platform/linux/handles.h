@@ -45,6 +45,11 @@ HANDLE NewMutexHandle() noexcept;
 // Takes over a window, also when it fails, and frees it with the last use of the handle.
 HWND NewWindowHandle(Window* window) noexcept;
 void CloseWindowHandle(HWND handle) noexcept;
+// Takes over a font, also when it fails, and frees it with the last use of the handle.
+HFONT NewFontHandle(Font* font) noexcept;
+HDC NewDeviceContextHandle() noexcept;
+// Of a font or a device context.
+void CloseDrawingHandle(HANDLE handle) noexcept;
 HANDLE NewKeyHandle(const KeyFacts& key, DWORD access) noexcept;
 // A second handle on the same mutex or process.
 HANDLE NewAliasHandle(HANDLE handle, DWORD rights) noexcept;

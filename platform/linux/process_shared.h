@@ -13,6 +13,7 @@
 #include <atomic>
 
 #include "platform/base.h"
+#include "platform/gdi.h"
 
 namespace platform {
 
@@ -23,8 +24,9 @@ inline constexpr std::size_t kKnownBlocks = 4096;
 inline constexpr std::uint32_t kMaxWindowClasses = 256;
 inline constexpr std::size_t kLongestClassName = 64;  // with the terminator
 
-enum class HandleType : std::uint32_t { kNone, kFile, kMutex, kProcess, kKey, kWindow };
+enum class HandleType : std::uint32_t { kNone, kFile, kMutex, kProcess, kKey, kWindow, kFont, kDeviceContext };
 
+struct Font;
 struct Window;
 
 struct WindowClass {
@@ -58,6 +60,8 @@ struct alignas(64) HandleSlot {
         ProcessFacts process;
         KeyFacts key;
         Window* window;
+        Font* font;
+        HFONT selected;  // of a device context; null: the font of the system
     };
 };
 static_assert(sizeof(HandleSlot) == 64);

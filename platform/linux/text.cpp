@@ -242,6 +242,7 @@ extern "C" int StrCmpLogicalW(const WCHAR* a, const WCHAR* b) noexcept {
     }
 }
 
+extern "C" UINT GetACP() noexcept { return kWindows1252; }
 extern "C" int _getmbcp() noexcept { return 0; }
 extern "C" int _mbbtype(unsigned char, int) noexcept { return _MBC_SINGLE; }
 

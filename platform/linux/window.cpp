@@ -124,6 +124,19 @@ extern "C" HWND GetParent(HWND handle) noexcept {
     return window ? window->parent : nullptr;
 }
 
+extern "C" HWND GetWindow(HWND handle, UINT relation) noexcept {
+    const WindowUse window(handle);
+    if (!window) return nullptr;
+    switch (relation) {
+        case GW_CHILD:
+            return window->first_child;
+        case GW_HWNDNEXT:
+            return window->next_sibling;
+        default:
+            return Fail<HWND>(ERROR_INVALID_PARAMETER, nullptr);
+    }
+}
+
 extern "C" HWND GetDlgItem(HWND parent, int id) noexcept {
     const WindowUse window(parent);
     if (!window) return nullptr;
@@ -141,7 +154,7 @@ extern "C" LRESULT SendMessageW(HWND handle, UINT message, WPARAM wparam, LPARAM
     if (window->procedure) return window->procedure(handle, message, wparam, lparam);
     const bool is_edit = platform::kBuiltinClasses[window->builtin] == u"EDIT";
     return is_edit ? platform::EditProcedure(handle, *window, message, wparam, lparam)
-                   : DefWindowProcW(handle, message, wparam, lparam);
+                   : platform::ControlProcedure(handle, *window, message, wparam, lparam);
 }
 
 extern "C" LRESULT DefWindowProcW(HWND handle, UINT message, WPARAM wparam, LPARAM lparam) noexcept {

@@ -3,6 +3,7 @@
 
 #include <cstdlib>
 
+#include "platform/gdi.h"
 #include "platform/window.h"
 
 namespace platform {
@@ -19,6 +20,7 @@ struct Window {
     DWORD ex_style;
     HINSTANCE instance;
     LONG_PTR id;
+    HFONT font;  // of a control; null: that of the system
     LONG_PTR user_data;
     WCHAR* text;  // null: empty; else terminated
     std::size_t length;
@@ -30,6 +32,7 @@ void FreeWindow(Window* window) noexcept;
 
 // The procedures of the built-in classes, by their numbers in kBuiltinClasses.
 inline constexpr WStringView kBuiltinClasses[] = {u"STATIC", u"EDIT"};
+LRESULT ControlProcedure(HWND handle, Window& window, UINT message, WPARAM wparam, LPARAM lparam) noexcept;
 LRESULT EditProcedure(HWND handle, Window& window, UINT message, WPARAM wparam, LPARAM lparam) noexcept;
 
 // The text with the characters from `start` to `end` replaced. False, and the text as it was, without memory.

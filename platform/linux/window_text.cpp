@@ -43,12 +43,29 @@ void ReplaceSelection(Window& window, const WCHAR* text) noexcept {
 
 }  // namespace
 
+LRESULT ControlProcedure(HWND handle, Window& window, UINT message, WPARAM wparam, LPARAM lparam) noexcept {
+    switch (message) {
+        case WM_SETFONT:
+            window.font = reinterpret_cast<HFONT>(wparam);
+            return 0;
+        case WM_GETFONT:
+            return reinterpret_cast<LRESULT>(window.font);
+        default:
+            return DefWindowProcW(handle, message, wparam, lparam);
+    }
+}
+
 LRESULT EditProcedure(HWND handle, Window& window, UINT message, WPARAM wparam, LPARAM lparam) noexcept {
     switch (message) {
         case WM_SETTEXT:
             window.selection_start = window.selection_end = 0;
             return DefWindowProcW(handle, message, wparam, lparam);
         case EM_SETSEL: {
+            if (static_cast<std::int32_t>(wparam) == -1) {
+                // Nothing is selected any more; the caret stays.
+                window.selection_start = window.selection_end;
+                return 1;
+            }
             const std::size_t one = PlaceInText(window, wparam);
             const std::size_t other = PlaceInText(window, static_cast<std::uint64_t>(lparam));
             window.selection_start = std::min(one, other);
@@ -67,7 +84,7 @@ LRESULT EditProcedure(HWND handle, Window& window, UINT message, WPARAM wparam, 
             ReplaceSelection(window, reinterpret_cast<const WCHAR*>(lparam));
             return 0;
         default:
-            return DefWindowProcW(handle, message, wparam, lparam);
+            return ControlProcedure(handle, window, message, wparam, lparam);
     }
 }
 

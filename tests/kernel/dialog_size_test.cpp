@@ -5,6 +5,7 @@
 
 #include <limits>
 
+#include "kernel/ui_fonts.h"
 #include "platform/text.h"
 
 namespace {
@@ -39,12 +40,13 @@ Template Extended(uint32_t style, uint32_t width, uint32_t height) {
 class DialogSize : public testing::Test {
   protected:
     void SetUp() override {
-        clipfio::SetUiFontUnits([](SIZE& units) noexcept {
-            units = {6, 13};
-            return true;
-        });
+        static constexpr clipfio::UiFonts kFonts{nullptr, [](int number, SIZE& units) noexcept {
+                                                     units = {6, 13};
+                                                     return number == clipfio::kStandardUiFont;
+                                                 }};
+        clipfio::SetUiFonts(&kFonts);
     }
-    void TearDown() override { clipfio::SetUiFontUnits(nullptr); }
+    void TearDown() override { clipfio::SetUiFonts(nullptr); }
 };
 
 // What the font of a template is laid out in; the standard font's units where it cannot be measured.
@@ -96,9 +98,28 @@ TEST_F(DialogSize, IsThatOfTheTemplateInTheUnitsOfTheFont) {
     EXPECT_EQ(KtGetDialogSizeIndirect(nullptr, nullptr, nullptr), 0);
     EXPECT_EQ(KtGetDialogSize(nullptr, W("x"), &size), 0);
     EXPECT_EQ(KtGetDialogSize(nullptr, W("x"), nullptr), 0);
-    clipfio::SetUiFontUnits(nullptr);
+    clipfio::SetUiFonts(nullptr);
     const std::string plain = Plain(0, 4, 8).Bytes();
     EXPECT_FALSE(clipfio::DialogSizeOfTemplate(plain.data(), plain.size(), size));
+}
+
+// The letters of a bold or larger font take more room, and a size of the wrong sign is one of the whole cell.
+TEST_F(DialogSize, HasUnitsThatGrowWithTheFont) {
+    const auto units = [](int32_t points, int32_t weight) {
+        SIZE found{};
+        EXPECT_EQ(KtGetDialogUnitsForFont(nullptr, W("DejaVu Sans"), points, weight, 0, 1, &found), 1) << points;
+        return found;
+    };
+    const SIZE small = units(8, 400);
+    const SIZE large = units(24, 400);
+    // 8 points are 11 pixels at 96 dots per inch: a letter is about half as wide, a line somewhat higher.
+    EXPECT_GE(small.cx, 4);
+    EXPECT_LE(small.cx, 9);
+    EXPECT_GE(small.cy, 11);
+    EXPECT_LE(small.cy, 17);
+    EXPECT_NEAR(static_cast<double>(large.cx), 3 * static_cast<double>(small.cx), 3);
+    EXPECT_NEAR(static_cast<double>(large.cy), 3 * static_cast<double>(small.cy), 5);
+    EXPECT_GT(units(24, 700).cx, large.cx);
 }
 
 TEST(MulDivision, RoundsToTheNearest) {

@@ -122,9 +122,11 @@ TEST_F(PrintWindow, AppendsLines) {
     EXPECT_EQ(KtMEditPrintF(edit_, W("%s"), W("one")), 3u);
     EXPECT_EQ(KtMEditPrintF(edit_, W("~~%d"), 2), 1u);
     EXPECT_EQ(KtMEditPrintF(edit_, W("~!")), 1u);
+    EXPECT_EQ(Text(edit_), "one\r\n2!");
+    // Where the user put the caret.
     SendMessageW(edit_, EM_SETSEL, 0, 2);
     EXPECT_EQ(KtMEditPrintF(edit_, W("")), 0u);
-    EXPECT_EQ(Text(edit_), "one\r\n2!\r\n");
+    EXPECT_EQ(Text(edit_), "on\r\ne\r\n2!");
     EXPECT_EQ(KtMEditPrintF(edit_, nullptr), 0u);
     EXPECT_EQ(Text(edit_), "");
     EXPECT_EQ(KtMEditPrintF(edit_, WString(5000, W('x')).c_str()), 2047u);

@@ -40,13 +40,22 @@ struct TEXTMETRICW {
 inline constexpr int LOGPIXELSX = 88;
 inline constexpr int LOGPIXELSY = 90;
 
-// There is no screen here yet: GetDC fails with ERROR_CALL_NOT_IMPLEMENTED, and with it all that needs one.
+inline constexpr int LF_FACESIZE = 32;
+inline constexpr int FW_NORMAL = 400;
+inline constexpr int FW_BOLD = 700;
+inline constexpr DWORD DEFAULT_CHARSET = 1;
+
+// The screen has 96 dots per inch, and text is measured on it, never drawn. A face that is not installed is replaced by
+// the one that fontconfig holds for nearest. A context serves one thread at a time.
 extern "C" HDC GetDC(HWND window) noexcept;
 extern "C" int ReleaseDC(HWND window, HDC context) noexcept;
 extern "C" int GetDeviceCaps(HDC context, int index) noexcept;
+// Height, weight, italic, charset and face (up to 31 characters) are looked at. A negative height is that of the em in
+// pixels, a positive one that of the cell, 0 a default.
 extern "C" HFONT CreateFontW(int height, int width, int escapement, int orientation, int weight, DWORD italic,
                              DWORD underline, DWORD strike_out, DWORD charset, DWORD out_precision,
                              DWORD clip_precision, DWORD quality, DWORD pitch, const WCHAR* face) noexcept;
+// Only a font can be selected; one that is selected somewhere cannot be deleted.
 extern "C" HGDIOBJ SelectObject(HDC context, HGDIOBJ object) noexcept;
 extern "C" BOOL DeleteObject(HGDIOBJ object) noexcept;
 extern "C" BOOL GetTextExtentPoint32W(HDC context, const WCHAR* text, int length, SIZE* size) noexcept;

@@ -42,6 +42,7 @@ extern "C" char* CharNextA(const char* text) noexcept;
 // here, so the first gives 0 and every byte stands for itself.
 inline constexpr int _MBC_SINGLE = 0;
 inline constexpr int _MBC_TRAIL = 2;
+extern "C" UINT GetACP() noexcept;
 extern "C" int _getmbcp() noexcept;
 extern "C" int _mbbtype(unsigned char byte, int type) noexcept;
 

@@ -21,6 +21,8 @@ inline constexpr UINT WM_DESTROY = 0x0002;
 inline constexpr UINT WM_SETTEXT = 0x000C;
 inline constexpr UINT WM_GETTEXT = 0x000D;
 inline constexpr UINT WM_GETTEXTLENGTH = 0x000E;
+inline constexpr UINT WM_SETFONT = 0x0030;
+inline constexpr UINT WM_GETFONT = 0x0031;
 inline constexpr UINT WM_NCCREATE = 0x0081;
 inline constexpr UINT WM_NCDESTROY = 0x0082;
 inline constexpr UINT EM_GETSEL = 0x00B0;
@@ -32,6 +34,9 @@ inline constexpr DWORD WS_CHILD = 0x40000000;
 inline constexpr DWORD WS_VISIBLE = 0x10000000;
 inline constexpr DWORD ES_MULTILINE = 0x0004;
 inline constexpr DWORD ES_AUTOVSCROLL = 0x0040;
+
+inline constexpr UINT GW_HWNDNEXT = 2;
+inline constexpr UINT GW_CHILD = 5;
 
 inline constexpr int GWLP_WNDPROC = -4;
 inline constexpr int GWLP_ID = -12;
@@ -88,10 +93,12 @@ extern "C" HWND CreateWindowExW(DWORD ex_style, const WCHAR* class_name, const W
 extern "C" BOOL DestroyWindow(HWND window) noexcept;
 extern "C" BOOL IsWindow(HWND window) noexcept;
 extern "C" HWND GetParent(HWND window) noexcept;
+// The next sibling, or the first child. Null when there is none.
+extern "C" HWND GetWindow(HWND window, UINT relation) noexcept;
 extern "C" HWND GetDlgItem(HWND parent, int id) noexcept;
 
 extern "C" LRESULT SendMessageW(HWND window, UINT message, WPARAM wparam, LPARAM lparam) noexcept;
-// Keeps the window's text.
+// Keeps the text of the window, and the font of a control.
 extern "C" LRESULT DefWindowProcW(HWND window, UINT message, WPARAM wparam, LPARAM lparam) noexcept;
 extern "C" LONG_PTR GetWindowLongPtrW(HWND window, int index) noexcept;
 extern "C" LONG_PTR SetWindowLongPtrW(HWND window, int index, LONG_PTR value) noexcept;
