@@ -4,6 +4,7 @@
 #include <iterator>
 
 #include "kernel/characters.h"
+#include "kernel/digits.h"
 #include "kernel/text_copy.h"
 #include "platform/locale.h"
 
@@ -142,11 +143,29 @@ int32_t PlainMinus(WCHAR* text, int32_t length, WStringView sign) noexcept {
     return length - static_cast<int32_t>(sign.size()) + 1;
 }
 
-int32_t GroupDigits(WStringView digits, WCHAR* out, std::size_t room, const KTINTERNATIONALS& record) noexcept {
-    Parts parts;
-    parts.negative = digits.front() == W('-');
-    parts.whole = digits.substr(parts.negative ? 1 : 0);
-    return WriteExactly(parts, {true, 0}, record, out, room);
+std::size_t GroupDigits(int64_t value, WCHAR* out, std::size_t room, const KTINTERNATIONALS& record) noexcept {
+    uint64_t left = Magnitude(value);
+    const bool negative = value < 0;
+    if (record.grouping != 3 || record.thousands.length != 1) {
+        const DecimalDigits digits(left);
+        return static_cast<std::size_t>(WriteExactly({negative, digits.View(), {}}, {true, 0}, record, out, room));
+    }
+    // What nearly every locale asks for, from the last group to the first.
+    const std::size_t digits = CountDigits(left);
+    const std::size_t length = digits + (digits - 1) / 3 + (negative ? 1 : 0);
+    if (length > room) return 0;
+    WCHAR* end = out + length;
+    const WCHAR separator = record.thousands.text[0];
+    for (; left >= 1000; left /= 1000) {
+        const auto group = static_cast<uint32_t>(left % 1000);
+        end -= 4;
+        end[0] = separator;
+        end[1] = static_cast<WCHAR>(W('0') + group / 100);
+        std::copy_n(&kDigitPairs[std::size_t{group % 100} * 2], 2, end + 2);
+    }
+    WriteDigits(end, left);
+    if (negative) *out = W('-');
+    return length;
 }
 
 NumberText FormatNumberText(const WCHAR* source, WCHAR* out, int32_t size, NumberForm form, int32_t decimals,

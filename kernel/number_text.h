@@ -35,9 +35,9 @@ struct NumberText {
 NumberText FormatNumberText(const WCHAR* source, WCHAR* out, int32_t size, NumberForm form, int32_t decimals,
                             const KTINTERNATIONALS& record) noexcept;
 
-// The digits of a whole number other than 0, with or without a '-', in groups. Characters, no terminator; 0 when they
-// do not fit into `room`. Only with a record that is filled.
-int32_t GroupDigits(WStringView digits, WCHAR* out, std::size_t room, const KTINTERNATIONALS& record) noexcept;
+// A whole number other than 0, in groups. Characters, no terminator; 0 when they do not fit into `room`. Only with a
+// record that is filled.
+std::size_t GroupDigits(int64_t value, WCHAR* out, std::size_t room, const KTINTERNATIONALS& record) noexcept;
 
 // Puts "-" in the place of a sign at the front of `text`; returns the new length.
 int32_t PlainMinus(WCHAR* text, int32_t length, WStringView sign) noexcept;

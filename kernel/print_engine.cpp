@@ -322,10 +322,9 @@ class Engine {
     void Digits(int64_t value, bool grouped) noexcept {
         const KTINTERNATIONALS& record = InternationalsRecord();
         if (!grouped || value == 0 || record.record_size == 0) return PlainDigits(value);
-        const DecimalDigits digits(value);
-        const int32_t length = GroupDigits(digits.View(), sink_.Tail(), sink_.Room(), record);
-        sink_.Advance(static_cast<std::size_t>(length));
-        if (length == 0) sink_.Put(digits.View());
+        const std::size_t length = GroupDigits(value, sink_.Tail(), sink_.Room(), record);
+        sink_.Advance(length);
+        if (length == 0) sink_.Put(DecimalDigits(value).View());
         status_ = length > 0 ? S_OK : kBufferTooSmall;
     }
 
