@@ -5,8 +5,10 @@
 #include <clocale>
 
 #include "platform/com.h"
+#include "platform/locale.h"
 #include "platform/process.h"
 #include "platform/text.h"
+#include "platform/window.h"
 #include "support/child_roles.h"
 #include "support/temp_file.h"
 
@@ -42,6 +44,29 @@ TEST(DocumentedDetails, PrintfDoesNotFollowTheLocale) {
     }
     EXPECT_EQ(Printed(W("%.2f %g %e"), 1.5, 2.5, 3.5), "1.50 2.5 3.500000e+000");
     std::setlocale(LC_NUMERIC, before.c_str());
+}
+
+TEST(DocumentedDetails, NumbersFollowTheLocaleWithoutARecord) {
+    for (const auto& [lcid, expected] : {std::pair<LCID, const char*>{0x0409, "-1,234,567.13"},
+                                         {0x0407, "-1.234.567,13"},
+                                         {0x0439, "-12,34,567.13"}}) {
+        WCHAR text[40];
+        ASSERT_GT(GetNumberFormatW(lcid, 0, W("-1234567.125"), nullptr, text, 40), 0);
+        EXPECT_EQ(platform::Utf8(text), expected);
+    }
+    WCHAR text[40];
+    ASSERT_GT(GetNumberFormatW(0x0409, 0, W("999.995"), nullptr, text, 40), 0);
+    EXPECT_EQ(platform::Utf8(text), "1,000.00");
+    WCHAR point[] = W(".");
+    const NUMBERFMTW unknown_order{0, 1, 3, point, point, 5};
+    EXPECT_EQ(GetNumberFormatW(0x0409, 0, W("5"), &unknown_order, text, 40), 0);
+}
+
+TEST(DocumentedDetails, ErrorsOfWindows) {
+    EXPECT_FALSE(DestroyWindow(nullptr));
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_WINDOW_HANDLE});
+    EXPECT_EQ(CreateWindowExW(0, W("NoSuchClass"), W(""), 0, 0, 0, 1, 1, nullptr, nullptr, nullptr, nullptr), nullptr);
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_CANNOT_FIND_WND_CLASS});
 }
 
 TEST(DocumentedDetails, AProcessEndsOnce) {
