@@ -8,6 +8,9 @@
 
 #include "fuzz/fuzzers.h"
 
+// How a failure names its row.
+void PrintTo(const Fuzzer& fuzzer, std::ostream* out) { *out << fuzzer.name; }
+
 namespace {
 
 const std::filesystem::path kSeeds = CLIPFIO_FUZZ_SEEDS;
