@@ -13,6 +13,9 @@ constexpr bool IsSpace(WCHAR c) noexcept {
            (c >= 0x2000 && c <= 0x200A) || c == 0x2028 || c == 0x2029 || c == 0x202F || c == 0x205F || c == 0x3000;
 }
 
+// Of a narrow text only what is ASCII can be told without its code page.
+constexpr bool IsSpace(char c) noexcept { return c == ' ' || (c >= '\t' && c <= '\r'); }
+
 // The value of a hexadecimal digit, -1 for any other character.
 constexpr int HexDigit(WCHAR c) noexcept {
     if (IsDigit(c)) return c - W('0');

@@ -46,13 +46,6 @@ uint32_t NumberFact(DWORD type, uint32_t base = 10) noexcept {
     }
 }
 
-// Numbers in which both separators begin alike could not be read back.
-void KeepSeparatorsApart(KTINTERNATIONALS& record) noexcept {
-    const WStringView thousands(record.thousands.text);
-    if (thousands.empty() || !WStringView(record.decimal.text).starts_with(thousands)) return;
-    Set(record.decimal, thousands.front() == W('.') ? W(",") : W("."));
-}
-
 void Refresh() noexcept {
     KTINTERNATIONALS record{};
     record.record_size = sizeof record;
@@ -164,6 +157,12 @@ uint32_t NumberOf(uint32_t key) noexcept {
 }  // namespace
 
 const KTINTERNATIONALS& InternationalsRecord() noexcept { return g_record; }
+
+void KeepSeparatorsApart(KTINTERNATIONALS& record) noexcept {
+    const WStringView thousands(record.thousands.text);
+    if (thousands.empty() || !WStringView(record.decimal.text).starts_with(thousands)) return;
+    Set(record.decimal, thousands.front() == W('.') ? W(",") : W("."));
+}
 
 }  // namespace clipfio
 

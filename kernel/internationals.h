@@ -88,4 +88,8 @@ namespace clipfio {
 
 const KTINTERNATIONALS& InternationalsRecord() noexcept;
 
+// Gives the record another decimal separator where it begins as the thousands separator does: such numbers could not be
+// read back.
+void KeepSeparatorsApart(KTINTERNATIONALS& record) noexcept;
+
 }  // namespace clipfio

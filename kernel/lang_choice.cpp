@@ -1,36 +1,31 @@
 #include "kernel/lang_choice.h"
 
-#include "kernel/guard.h"
+#include "kernel/key_path.h"
 #include "platform/registry.h"
 #include "platform/scoped.h"
 
 namespace {
 
-constexpr WCHAR kCompany[] = W("Kestrel Creative Software");
 constexpr WCHAR kValue[] = W("ULangID");
 
 using platform::ScopedKey;
 
-WString Decimal(uint32_t number) {
-    const std::string digits = std::to_string(number);
-    return WString(digits.begin(), digits.end());
-}
+// As long as the names of three keys may be: what is cut names none.
+using LanguagePath = clipfio::KeyPath<1024>;
 
-// May throw std::bad_alloc. Empty without names.
-WString KeyPath(const WCHAR* company, const WCHAR* application, uint32_t version) {
+// Empty without names, and for names that no key has.
+LanguagePath PathOf(const WCHAR* company, const WCHAR* application, uint32_t version) noexcept {
     if (!company || !application || !*company || !*application) return {};
-    WString path = WString(W("Software\\")) + company + W("\\") + application;
-    const uint32_t major = version >> 24;
-    const uint32_t minor = version >> 16 & 0xFF;
-    if (major != 0) path += W("\\") + Decimal(major) + W(".") + Decimal(minor);
-    return path + W("\\Lang");
+    auto path = clipfio::ApplicationPath<LanguagePath>(company, application, version);
+    path.Add(W("\\Lang"));
+    return path.IsCut() ? LanguagePath() : path;
 }
 
-[[nodiscard]] HRESULT Load(const WString& path, LCID& lcid) noexcept {
-    if (path.empty()) return E_INVALIDARG;
+[[nodiscard]] HRESULT Load(const LanguagePath& path, LCID& lcid) noexcept {
+    if (!*path.Text()) return E_INVALIDARG;
     ScopedKey key;
     for (const HKEY hive : {HKEY_CURRENT_USER, HKEY_LOCAL_MACHINE}) {
-        if (RegOpenKeyExW(hive, path.c_str(), 0, KEY_READ, key.Out()) == ERROR_SUCCESS) break;
+        if (RegOpenKeyExW(hive, path.Text(), 0, KEY_READ, key.Out()) == ERROR_SUCCESS) break;
     }
     if (!key) return E_FAIL;
     DWORD value = 0;
@@ -42,10 +37,10 @@ WString KeyPath(const WCHAR* company, const WCHAR* application, uint32_t version
     return S_OK;
 }
 
-[[nodiscard]] HRESULT Save(const WString& path, LCID lcid) noexcept {
-    if (path.empty()) return E_INVALIDARG;
+[[nodiscard]] HRESULT Save(const LanguagePath& path, LCID lcid) noexcept {
+    if (!*path.Text()) return E_INVALIDARG;
     ScopedKey key;
-    if (RegCreateKeyExW(HKEY_CURRENT_USER, path.c_str(), 0, nullptr, REG_OPTION_NON_VOLATILE, KEY_WRITE, nullptr,
+    if (RegCreateKeyExW(HKEY_CURRENT_USER, path.Text(), 0, nullptr, REG_OPTION_NON_VOLATILE, KEY_WRITE, nullptr,
                         key.Out(), nullptr) != ERROR_SUCCESS) {
         return E_FAIL;
     }
@@ -61,20 +56,20 @@ int32_t KtLang_LoadUserLCIDMetricAppReg(const WCHAR* application, uint32_t versi
                                         const WCHAR* company) noexcept {
     if (!lcid) return 0;
     *lcid = 0;
-    return SUCCEEDED(clipfio::Guarded([&] { return Load(KeyPath(company, application, version), *lcid); }));
+    return SUCCEEDED(Load(PathOf(company, application, version), *lcid));
 }
 
 int32_t KtLang_LoadUserLCIDMetric(const WCHAR* application, uint32_t version, LCID* lcid,
                                   int32_t ignore_version) noexcept {
-    return KtLang_LoadUserLCIDMetricAppReg(application, ignore_version ? 0 : version, lcid, kCompany);
+    return KtLang_LoadUserLCIDMetricAppReg(application, ignore_version ? 0 : version, lcid, clipfio::kKernelCompany);
 }
 
 int32_t KtLang_SaveUserLCIDMetricAppReg(const WCHAR* application, uint32_t version, LCID lcid,
                                         const WCHAR* company) noexcept {
-    return SUCCEEDED(clipfio::Guarded([&] { return Save(KeyPath(company, application, version), lcid); }));
+    return SUCCEEDED(Save(PathOf(company, application, version), lcid));
 }
 
 int32_t KtLang_SaveUserLCIDMetric(const WCHAR* application, uint32_t version, LCID lcid,
                                   int32_t ignore_version) noexcept {
-    return KtLang_SaveUserLCIDMetricAppReg(application, ignore_version ? 0 : version, lcid, kCompany);
+    return KtLang_SaveUserLCIDMetricAppReg(application, ignore_version ? 0 : version, lcid, clipfio::kKernelCompany);
 }

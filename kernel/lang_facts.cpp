@@ -119,17 +119,21 @@ int32_t KtLang_LocalizeUserName(HKTLANG handle, const WCHAR* first, const WCHAR*
     return length;
 }
 
-int32_t KtLang_DetectMultiByteCharacters(const char* bytes, int32_t length) noexcept {
-    if (!bytes || length < 2 || *bytes == 0 || _getmbcp() == 0) return 0;
+bool clipfio::HasMultiByteCharacters(const char* bytes, int32_t length, MultiByteType type_of) noexcept {
     const auto* at = reinterpret_cast<const unsigned char*>(bytes);
     const auto* const end = at + length;
     // A lead byte is told from a trail byte by what stands before it.
     int type = 0;
     for (; at != end && *at != 0; ++at) {
-        type = _mbbtype(*at, type);
-        if (type == _MBC_TRAIL) return 1;
+        type = type_of(*at, type);
+        if (type == _MBC_TRAIL) return true;
     }
-    return 0;
+    return false;
+}
+
+int32_t KtLang_DetectMultiByteCharacters(const char* bytes, int32_t length) noexcept {
+    if (!bytes || length < 2 || *bytes == 0 || _getmbcp() == 0) return 0;
+    return HasMultiByteCharacters(bytes, length, _mbbtype);
 }
 
 HRESULT KtLang_DetectPossibleCodepage(const char* text, int32_t length, uint32_t* code_page) noexcept {

@@ -42,4 +42,9 @@ namespace clipfio {
 int32_t ColumnOfLanguage(LCID lcid) noexcept;
 LCID LanguageOfColumn(int32_t column) noexcept;  // 1 to 18
 
+// What KtLang_DetectMultiByteCharacters asks where the code page has such characters. `type_of` tells of a byte, by
+// what the byte before it was, as the runtime's _mbbtype does.
+using MultiByteType = int (*)(unsigned char byte, int type_before);
+bool HasMultiByteCharacters(const char* bytes, int32_t length, MultiByteType type_of) noexcept;
+
 }  // namespace clipfio

@@ -9,18 +9,11 @@ namespace {
 using clipfio::MetricPath;
 using clipfio::MetricRecord;
 
-constexpr WStringView kCompany = W("Kestrel Creative Software");
 constexpr WStringView kMetrics = W("\\Metrics");
 constexpr DWORD kKeyNameSize = 256;
 
-// "Software\COMPANY\APPLICATION\MAJOR.MINOR", or without the version.
 MetricPath ApplicationPath(const WCHAR* company, const WCHAR* application, uint32_t version) noexcept {
-    MetricPath path;
-    path.Add(W("Software\\")).Add(company ? WStringView(company) : kCompany).Add(W("\\")).Add(application);
-    const uint32_t major = version >> 24;
-    const uint32_t minor = version >> 16 & 0xFF;
-    if (major != 0) path.Add(W("\\")).AddNumber(major).Add(W(".")).AddNumber(minor);
-    return path;
+    return clipfio::ApplicationPath<MetricPath>(company ? company : clipfio::kKernelCompany, application, version);
 }
 
 HRESULT OpenPath(HKTMETRIC* out, const MetricPath& path) noexcept {

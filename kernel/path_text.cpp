@@ -17,9 +17,6 @@ constexpr size_t kPathSize = 260;  // characters, terminator included
 const WCHAR* OrEmpty(const WCHAR* text) noexcept { return text ? text : W(""); }
 int32_t LengthOf(const WCHAR* text) noexcept { return static_cast<int32_t>(WStringView(text).size()); }
 
-// Of a narrow text only what is ASCII can be told without its code page.
-constexpr bool IsSpace(char c) noexcept { return c == ' ' || (c >= '\t' && c <= '\r'); }
-
 const WCHAR* Next(const WCHAR* text) noexcept { return text + 1; }
 const char* Next(const char* text) noexcept { return CharNextA(text); }
 

@@ -169,14 +169,11 @@ TEST(Channels, MuteWritesTheSilenceOfTheType) {
 
 // --- Mixing: one frame in, one sample out.
 
-struct Mix {
+const struct {
     KTSAMPLETYPE type;
     std::vector<double> in;  // codes of integers, values of floats
-    double sum;
-    double mean;
-};
-
-const Mix kMixes[] = {
+    double sum, mean;
+} kMixes[] = {
     {KTSAMPLETYPE_FLOAT32, {0.75, 0.75}, 1.5, 0.75},
     {KTSAMPLETYPE_FLOAT64, {0.75, -0.5, 0.25}, 0.5, 0.5 / 3},
     {KTSAMPLETYPE_PCM16, {24576, 24576}, 32767, 24576},
@@ -199,7 +196,7 @@ const Mix kMixes[] = {
 };
 
 TEST(Channels, SumAndMeanToMono) {
-    for (const Mix& mix : kMixes) {
+    for (const auto& mix : kMixes) {
         WithFormat(mix.type, [&]<class F>(F) {
             using Value = decltype(F::Load(nullptr));
             const auto channels = static_cast<uint32_t>(mix.in.size());
@@ -218,8 +215,7 @@ TEST(Channels, SumAndMeanToMono) {
 TEST(Channels, MeanInEveryChannelByTypeOfItsOwn) {
     const struct {
         KTSAMPLETYPE type;
-        Samples in;
-        Samples out;
+        Samples in, out;
     } kRows[] = {
         {KTSAMPLETYPE_PCM8, {0x81, 0x80, 0xFF, 0xFE}, {0x80, 0x80, 0xFE, 0xFE}},  // unsigned, cut
         {KTSAMPLETYPE_PCM16, Raw<int16_t>({-3, 0, 32767, 32767}), Raw<int16_t>({-1, -1, 32767, 32767})},

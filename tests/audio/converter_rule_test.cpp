@@ -14,16 +14,14 @@ constexpr float kInfinity = std::numeric_limits<float>::infinity();
 constexpr float kNan = std::numeric_limits<float>::quiet_NaN();
 
 // Integers are given by value; floats too, where they fit.
-struct Row {
+constexpr struct {
     const char* name;
     KTSAMPLETYPE source;
     double value;
     float gain;
     KTSAMPLETYPE destination;
     double expected;
-};
-
-constexpr Row kRows[] = {
+} kRows[] = {
     {"full scale is limited", KTSAMPLETYPE_FLOAT32, 1.0, 1.0f, KTSAMPLETYPE_PCM16, 32767},
     {"lowest is whole", KTSAMPLETYPE_FLOAT32, -1.0, 1.0f, KTSAMPLETYPE_PCM16, -32768},
     {"tie down to 0", KTSAMPLETYPE_FLOAT32, 0.5 / 32768, 1.0f, KTSAMPLETYPE_PCM16, 0},
@@ -78,7 +76,7 @@ double LoadValue(KTSAMPLETYPE type, const uint8_t* p) {
 TEST(ConverterRule, RowsAtEveryLevel) {
     for (const CpuLevel level : kCpuLevels) {
         if (!SetCpuLevel(level)) continue;
-        for (const Row& row : kRows) {
+        for (const auto& row : kRows) {
             uint8_t source[8];
             uint8_t destination[8];
             StoreValue(row.source, source, row.value);

@@ -4,7 +4,7 @@
 #include "audio/copy_engine.h"
 #include "audio/sample_data.h"
 #include "kernel/cpu.h"
-#include "platform/faults.h"
+#include "support/fail_each.h"
 
 namespace clipfio::audio {
 namespace {
@@ -33,10 +33,7 @@ class RecordingReporter final : public SelfTestReporter {
 class CopySelfTest : public testing::Test {
   protected:
     void SetUp() override { SetSelfTestReporter(&reporter_); }
-    void TearDown() override {
-        SetSelfTestReporter(nullptr);
-        platform::faults::Clear();
-    }
+    void TearDown() override { SetSelfTestReporter(nullptr); }
 
     static void CutInsteadOfRound(void* destination, const void* source, int32_t count, float) {
         for (int32_t i = 0; i < count; ++i) {
@@ -80,14 +77,11 @@ TEST_F(CopySelfTest, WithNobodyAboveTheFailureIsReturned) {
 
 TEST_F(CopySelfTest, EndsWhenMemoryIsNotToBeHad) {
     const SelfTestNode nodes[] = {Node(true), Node(false)};
-    for (int n = 0;; ++n) {
-        platform::faults::FailAfter(n);
-        const HRESULT result = RunSelfTest(nodes, nullptr);
-        if (!platform::faults::Hit()) break;
-        EXPECT_EQ(result, E_OUTOFMEMORY);
-        EXPECT_EQ(reporter_.restores, n + 1);
-        ASSERT_LT(n, 6);  // three buffers for each node
-    }
+    const int buffers = support::FailEach<support::FailingCall>(
+        [&] { return RunSelfTest(nodes, nullptr); },
+        [](HRESULT result, bool hit) { EXPECT_EQ(result, hit ? E_OUTOFMEMORY : E_UNEXPECTED); });
+    EXPECT_EQ(reporter_.restores, buffers + 1);
+    EXPECT_LE(buffers, 6) << "three buffers for each node";
 }
 
 }  // namespace

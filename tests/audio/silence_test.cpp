@@ -27,27 +27,16 @@ constexpr uint8_t kUntouched = 0xEE;
 
 TEST(Silence, OfThePlatformsFormats) {
     const struct {
-        uint32_t tag;
-        uint32_t bits;
+        uint32_t tag, bits;
         bool extensible;
         HRESULT result;
         uint8_t fill;
     } kRows[] = {
-        {1, 8, false, S_OK, 0x80},
-        {1, 16, false, S_OK, 0},
-        {1, 24, false, S_OK, 0},
-        {3, 32, false, S_OK, 0},
-        {3, 64, false, S_OK, 0},
-        {0xFE00, 32, false, S_OK, 0},
-        {0xFE01, 8, false, S_OK, 0},
-        {0xFE02, 8, false, S_OK, 0x80},
-        {0xFE02, 16, false, S_OK, 0},
-        {1, 8, true, S_OK, 0x80},
-        {1, 16, true, S_OK, 0},
-        {3, 32, true, S_OK, 0},
-        {0xFE02, 16, true, S_OK, kUntouched},
-        {0x55, 8, false, E_FAIL, kUntouched},
-        {0xFE03, 16, false, E_FAIL, kUntouched},
+        {1, 16, false, S_OK, 0}, {1, 8, false, S_OK, 0x80},    {0xFE02, 8, false, S_OK, 0x80},
+        {1, 24, false, S_OK, 0}, {3, 64, false, S_OK, 0},      {0xFE02, 16, false, S_OK, 0},
+        {3, 32, false, S_OK, 0}, {0xFE00, 32, false, S_OK, 0}, {0xFE02, 16, true, S_OK, kUntouched},
+        {1, 16, true, S_OK, 0},  {0xFE01, 8, false, S_OK, 0},  {0x55, 8, false, E_FAIL, kUntouched},
+        {3, 32, true, S_OK, 0},  {1, 8, true, S_OK, 0x80},     {0xFE03, 16, false, E_FAIL, kUntouched},
     };
     for (const auto& row : kRows) {
         WAVEFORMATEXTENSIBLE format = Extensible(row.tag, row.bits);
@@ -81,8 +70,7 @@ TEST(Silence, OfTheSystemsFormat) {
 
 TEST(Silence, OfOneChannel) {
     const struct {
-        uint32_t tag;
-        uint32_t bits;
+        uint32_t tag, bits;
         HRESULT result;
         uint8_t fill;
     } kRows[] = {

@@ -6,8 +6,8 @@
 #include "audio/sample_data.h"
 #include "audio/wfx.h"
 #include "audio/wfx_copy.h"
-#include "platform/faults.h"
 #include "platform/memory.h"
+#include "support/fail_each.h"
 
 namespace clipfio::audio {
 namespace {
@@ -135,8 +135,7 @@ TEST(WaveFormat, KeepsExtraDataOfOpaqueFormats) {
     const struct {
         uint16_t tag, bits, extra;
         bool extensible;
-        uint32_t room;
-        uint32_t kept;
+        uint32_t room, kept;
     } kRows[] = {
         {0x55, 0, 12, false, 64, 12},       {0x55, 0, 12, false, 46, 12},  {0x55, 0, 12, false, 45, 11},
         {0x55, 0, 12, false, 34, 0},        {0x55, 0, 12, false, 33, 0},   {0x55, 0, 12, false, 32, 0},
@@ -237,13 +236,11 @@ constexpr auto kNoMask = KTWAVEFORMAT_COPY_DEST_NOMASK;
 constexpr auto kMulti = KTWAVEFORMAT_COPY_DEST_MULTI;
 constexpr auto kExtensible = KTWAVEFORMAT_COPY_DEST_EXTENSIBLE;
 
-struct CopyRow {
+const struct {
     KTWAVEFORMAT_COPY_DEST dest;
     uint32_t channels, mask, flags, room;
     uint32_t writtenMask;  // 0: the plain form
-};
-
-const CopyRow kUncompressedCopies[] = {
+} kUncompressedCopies[] = {
     {kIfNeeded, 2, 0, 0, 40, 0},     {kIfNeeded, 2, 3, 0, 40, 0},    {kIfNeeded, 2, 12, 0, 40, 12},
     {kIfNeeded, 2, 0, 0x10, 40, 3},  {kIfNeeded, 2, 0, 0x10, 39, 0}, {kIfNeeded, 6, 63, 0, 40, 63},
     {kPlain, 2, 0, 0x10, 40, 0},     {kPlain, 2, 12, 0, 40, 12},     {kPlain, 2, 12, 0, 18, 0},
@@ -253,7 +250,7 @@ const CopyRow kUncompressedCopies[] = {
 };
 
 TEST(WfxCopy, FormOfAnUncompressedFormat) {
-    for (const CopyRow& row : kUncompressedCopies) {
+    for (const auto& row : kUncompressedCopies) {
         _ktwaveformat record;
         record.Init(48000, KTSAMPLETYPE_PCM24IN32, row.channels, row.mask, 32);
         record.flags = row.flags;
@@ -274,8 +271,7 @@ TEST(WfxCopy, FormOfAnUncompressedFormat) {
 TEST(WfxCopy, FormAndExtraDataOfAnOpaqueFormat) {
     const struct {
         KTWAVEFORMAT_COPY_DEST dest;
-        uint32_t mask, room;
-        uint32_t form, extra;
+        uint32_t mask, room, form, extra;
     } kRows[] = {
         {kIfNeeded, 0, 100, 18, 10},  {kIfNeeded, 0, 24, 18, 6},  {kIfNeeded, 0, 18, 18, 0},
         {kIfNeeded, 12, 100, 40, 10}, {kIfNeeded, 12, 44, 40, 4}, {kIfNeeded, 12, 39, 18, 10},
@@ -370,21 +366,16 @@ TEST(WfxCopy, AllocatedBlocks) {
 TEST(WfxCopy, AllocationThatFailsGivesNull) {
     _ktwaveformat record;
     record.Init(48000, KTSAMPLETYPE_PCM16, 2, 0, 32);
-    for (int n = 0;; ++n) {
-        platform::faults::FailAfter(n);
-        tWAVEFORMATEX* const copy = KtAudio_AllocAndCopyWfx(&record, kIfNeeded);
-        const bool hit = platform::faults::Hit();
-        platform::faults::Clear();
-        EXPECT_EQ(copy == nullptr, hit);
-        if (copy) GlobalFree(GlobalHandle(copy));
-        if (!hit) break;
-    }
+    support::FailEach<support::FailingCall>([&] { return KtAudio_AllocAndCopyWfx(&record, kIfNeeded); },
+                                            [](tWAVEFORMATEX* copy, bool hit) {
+                                                EXPECT_EQ(copy == nullptr, hit);
+                                                if (copy) GlobalFree(GlobalHandle(copy));
+                                            });
 }
 
 TEST(RecordCopy, SizesAndExtraData) {
     const struct {
-        uint32_t extra, room;
-        uint32_t kept;
+        uint32_t extra, room, kept;
     } kRows[] = {{10, 64, 10}, {10, 44, 10}, {10, 43, 0},        {10, 33, 0},       {10, 32, 0},
                  {10, 0, 0},   {0, 64, 0},   {1024, 1058, 1024}, {1024, 2000, 1024}};
     for (const auto& row : kRows) {

@@ -7,6 +7,7 @@ import shutil
 import struct
 import subprocess
 import tempfile
+import time
 import unittest
 import zlib
 
@@ -20,7 +21,7 @@ class Result:
     def __init__(self, done):
         self.status = done.returncode
         self.raw = done.stdout
-        self.out = done.stdout.decode("utf-8", "replace")
+        self.out = (done.stdout or b"").decode("utf-8", "replace")
         self.err = done.stderr.decode("utf-8", "replace")
 
     @property
@@ -42,15 +43,34 @@ class CommandTest(unittest.TestCase):
         self.addCleanup(shutil.rmtree, self.folder, ignore_errors=True)
         self.env = environment(KT_REGISTRY=os.path.join(self.folder, ".registry"))
 
-    def clipfio(self, *args, stdin=b"", env=None, expect=0, command=COMMAND):
-        done = subprocess.run([*command, *map(str, args)], input=stdin, capture_output=True, cwd=self.folder,
-                              env=env or self.env, timeout=TIMEOUT, check=False)
+    def clipfio(self, *args, stdin=b"", stdout=subprocess.PIPE, env=None, expect=0, command=COMMAND):
+        done = subprocess.run([*command, *map(str, args)], input=stdin, stdout=stdout, stderr=subprocess.PIPE,
+                              cwd=self.folder, env=env or self.env, timeout=TIMEOUT, check=False)
         result = Result(done)
         if expect is not None:
             self.assertEqual(result.status, expect, f"{args}\n{result.err}")
         if expect == 0:
             self.assertNotIn("runtime error", result.err)
         return result
+
+    def start(self, *args, prepare=None):
+        """The program at work, with pipes; `prepare` runs before it in its process."""
+        return subprocess.Popen([*COMMAND, *args], stdin=subprocess.PIPE, stdout=subprocess.PIPE,
+                                stderr=subprocess.PIPE, cwd=self.folder, env=self.env, preexec_fn=prepare)
+
+    def wait_for_files(self, process, count, folder=""):
+        deadline = time.monotonic() + TIMEOUT
+        while len(self.names(folder)) < count and time.monotonic() < deadline and process.poll() is None:
+            time.sleep(0.002)
+
+    def on_terminal(self, *args):
+        """What a terminal shows as standard error of a run that must succeed."""
+        terminal, screen = os.openpty()
+        subprocess.run([*COMMAND, *args], stderr=screen, cwd=self.folder, env=self.env, timeout=TIMEOUT, check=True)
+        os.close(screen)
+        shown = os.read(terminal, 100000).decode()
+        os.close(terminal)
+        return shown
 
     def program_without_decoder(self):
         """The command line of a copy of the program with the module beside it and no decoder library."""

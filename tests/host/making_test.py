@@ -3,10 +3,9 @@
 import os
 import signal
 import subprocess
-import time
 import unittest
 
-from harness import COMMAND, TIMEOUT, CommandTest, make_wav
+from harness import TIMEOUT, CommandTest, make_wav
 
 WIDTH, HEIGHT, FRAMES = 320, 180, 20
 VIDEO = ("-f", "rawvideo", "-s", f"{WIDTH}x{HEIGHT}", "-r", "25")
@@ -73,11 +72,8 @@ class Making(CommandTest):
 
     def test_interrupt_leaves_no_clip(self):
         self.write("a.r3d", b"older")
-        with subprocess.Popen([*COMMAND, "make-sample", "a.r3d", "--frames", "5000"], stderr=subprocess.PIPE,
-                              cwd=self.folder, env=self.env) as process:
-            deadline = time.monotonic() + TIMEOUT
-            while len(self.names()) < 2 and time.monotonic() < deadline and process.poll() is None:
-                time.sleep(0.002)
+        with self.start("make-sample", "a.r3d", "--frames", "5000") as process:
+            self.wait_for_files(process, 2)
             process.send_signal(signal.SIGINT)
             self.assertIn(b"stopped", process.stderr.read())
             self.assertEqual(process.wait(TIMEOUT), 1)

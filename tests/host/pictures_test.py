@@ -2,11 +2,9 @@
 
 import os
 import signal
-import subprocess
-import time
 import unittest
 
-from harness import COMMAND, TIMEOUT, CommandTest, native_only, read_pfm, read_png
+from harness import TIMEOUT, CommandTest, native_only, read_pfm, read_png
 
 HEADER = 512
 
@@ -165,11 +163,8 @@ class Pictures(CommandTest):
     def test_interrupt_leaves_whole_files(self):
         self.sample("a.r3d", "--size", "640x360", "--frames", "120", "--channels", "0")
         os.mkdir(self.path("d"))
-        with subprocess.Popen([*COMMAND, "export", "a.r3d", "d", "--jobs", "2"], stderr=subprocess.PIPE, cwd=self.folder,
-                              env=self.env) as process:
-            deadline = time.monotonic() + TIMEOUT
-            while len(self.names("d")) < 3 and time.monotonic() < deadline and process.poll() is None:
-                time.sleep(0.002)
+        with self.start("export", "a.r3d", "d", "--jobs", "2") as process:
+            self.wait_for_files(process, 3, "d")
             process.send_signal(signal.SIGINT)
             error = process.stderr.read().decode()
             self.assertEqual(process.wait(TIMEOUT), 1, error)
@@ -189,8 +184,7 @@ class Pictures(CommandTest):
 
     def test_pipe_whose_reader_goes_away(self):
         self.sample("a.r3d", "--size", "320x180", "--frames", "24")
-        with subprocess.Popen([*COMMAND, "pipe", "a.r3d"], stdout=subprocess.PIPE, stderr=subprocess.PIPE,
-                              cwd=self.folder, env=self.env) as process:
+        with self.start("pipe", "a.r3d") as process:
             process.stdout.read(1000)
             process.stdout.close()
             error = process.stderr.read().decode()
@@ -200,13 +194,7 @@ class Pictures(CommandTest):
     @native_only
     def test_bar_on_a_terminal(self):
         self.sample()
-        terminal, screen = os.openpty()
-        done = subprocess.run([*COMMAND, "export", "a.r3d", "d"], stderr=screen, stdout=subprocess.PIPE, cwd=self.folder,
-                              env=self.env, timeout=TIMEOUT, check=False)
-        os.close(screen)
-        shown = os.read(terminal, 100000).decode()
-        os.close(terminal)
-        self.assertEqual((done.returncode, done.stdout), (0, b""))
+        shown = self.on_terminal("export", "a.r3d", "d")
         self.assertIn("\rexport [", shown)
         self.assertIn("100%", shown)
         self.assertIn("12 of 12 frames", shown.split("\033[K")[-1])
@@ -216,13 +204,7 @@ class Pictures(CommandTest):
         for args in [("make-sample", "b.r3d", "--size", "16x16"), ("sheet", "a.r3d", "-o", "s.png"),
                      ("audio", "a.r3d", "-o", "s.wav"), ("waveform", "a.r3d", "-o", "w.png"), ("export", "a.r3d", "d")]:
             with self.subTest(args[0]):
-                terminal, screen = os.openpty()
-                subprocess.run([*COMMAND, *args], stderr=screen, cwd=self.folder, env=self.env, timeout=TIMEOUT,
-                               check=True)
-                os.close(screen)
-                shown = os.read(terminal, 100000).decode()
-                os.close(terminal)
-                self.assertRegex(shown, r"\r\033\[Kclipfio: [^\033]*\n$")
+                self.assertRegex(self.on_terminal(*args), r"\r\033\[Kclipfio: [^\033]*\n$")
 
     def test_sheet(self):
         self.sample()

@@ -4,7 +4,6 @@ import os
 import resource
 import signal
 import subprocess
-import time
 import unittest
 
 from harness import COMMAND, TIMEOUT, CommandTest
@@ -22,21 +21,12 @@ def limit_files(size):
 
 
 class Stops(CommandTest):
-    def start(self, *args, prepare=None):
-        return subprocess.Popen([*COMMAND, *args], stdin=subprocess.PIPE, stdout=subprocess.PIPE,
-                                stderr=subprocess.PIPE, cwd=self.folder, env=self.env, preexec_fn=prepare)
-
-    def wait_for_second_file(self, process):
-        deadline = time.monotonic() + TIMEOUT
-        while len(self.names()) < 2 and time.monotonic() < deadline and process.poll() is None:
-            time.sleep(0.002)
-
     def test_one_signal_ends_the_wait_for_input(self):
         for number in (signal.SIGINT, signal.SIGTERM, signal.SIGHUP):
             with self.subTest(number):
                 self.write("a.r3d", b"older")
                 with self.start(*MAKE_CLIP) as process:
-                    self.wait_for_second_file(process)
+                    self.wait_for_files(process, 2)
                     process.send_signal(number)
                     self.assertEqual((process.wait(TIMEOUT), process.stderr.read()), (1, b"clipfio: stopped\n"))
                 self.assertEqual((self.names(), self.read("a.r3d")), (["a.r3d"], b"older"))
@@ -44,7 +34,7 @@ class Stops(CommandTest):
     def test_what_was_ignored_stays_ignored(self):
         self.write("a.r3d", b"older")
         with self.start(*MAKE_CLIP, prepare=lambda: signal.signal(signal.SIGINT, signal.SIG_IGN)) as process:
-            self.wait_for_second_file(process)
+            self.wait_for_files(process, 2)
             process.send_signal(signal.SIGINT)
             process.stdin.write(bytes(16 * 16 * 6))
             process.stdin.close()

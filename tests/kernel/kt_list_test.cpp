@@ -172,18 +172,12 @@ TEST(List, TakesEachKindOnlyWhatItIsFor) {
         int32_t count;
         HRESULT result;
     } const kRows[] = {
-        {in_place.get(), nullptr, 1, E_FAIL},
-        {in_place.get(), nullptr, -1, E_FAIL},
-        {in_place.get(), values, 0, E_FAIL},
-        {in_place.get(), values, -1, E_FAIL},
-        {in_place.get(), values, INT_MAX, E_OUTOFMEMORY},
-        {heap.get(), values, 1, E_FAIL},
-        {heap.get(), values, 0, E_FAIL},
-        {heap.get(), nullptr, -1, E_FAIL},  // nothing is pending
-        {heap.get(), nullptr, 1, E_FAIL},
-        {heap.get(), values, INT_MIN, E_OUTOFMEMORY},
-        {heap.get(), values, -INT_MAX, E_OUTOFMEMORY},
-        {nullptr, values, 1, E_FAIL},
+        {in_place.get(), nullptr, 1, E_FAIL}, {in_place.get(), nullptr, -1, E_FAIL},
+        {in_place.get(), values, 0, E_FAIL},  {in_place.get(), values, -1, E_FAIL},
+        {heap.get(), values, 1, E_FAIL},      {in_place.get(), values, INT_MAX, E_OUTOFMEMORY},
+        {heap.get(), values, 0, E_FAIL},      {heap.get(), nullptr, -1, E_FAIL},  // nothing is pending
+        {heap.get(), nullptr, 1, E_FAIL},     {heap.get(), values, INT_MIN, E_OUTOFMEMORY},
+        {nullptr, values, 1, E_FAIL},         {heap.get(), values, -INT_MAX, E_OUTOFMEMORY},
     };
     for (const auto& row : kRows) {
         EXPECT_EQ(KtList_InsertList(row.list, 0, row.items, row.count), row.result) << row.count;
@@ -230,17 +224,10 @@ TEST(List, DeletesRanges) {
         HRESULT result;
         std::vector<int32_t> after;
     } const kRows[] = {
-        {0, -1, S_OK, {}},
-        {2, -1, S_OK, {0, 1}},
-        {1, 2, S_OK, {0, 3, 4}},
-        {4, INT_MAX, S_OK, Counting(4)},
-        {0, 0, S_OK, Counting(5)},
-        {9, 0, S_OK, Counting(5)},
-        {5, 1, E_FAIL, Counting(5)},
-        {-1, 1, E_FAIL, Counting(5)},
-        {-1, -1, E_FAIL, Counting(5)},
-        {INT_MAX, -1, S_OK, Counting(5)},
-        {INT_MIN, INT_MIN, E_FAIL, Counting(5)},
+        {0, -1, S_OK, {}},         {9, 0, S_OK, Counting(5)},     {4, INT_MAX, S_OK, Counting(4)},
+        {2, -1, S_OK, {0, 1}},     {5, 1, E_FAIL, Counting(5)},   {INT_MAX, -1, S_OK, Counting(5)},
+        {1, 2, S_OK, {0, 3, 4}},   {-1, 1, E_FAIL, Counting(5)},  {INT_MIN, INT_MIN, E_FAIL, Counting(5)},
+        {0, 0, S_OK, Counting(5)}, {-1, -1, E_FAIL, Counting(5)},
     };
     for (const uint32_t kind :
          {uint32_t{KTLIST_HEAP}, KTLIST_HEAP | KTLIST_PRIVATE_HEAP, uint32_t{KTLIST_IN_PLACE}, kPlain}) {
@@ -300,18 +287,12 @@ TEST(List, MovesRanges) {
         HRESULT result;
         std::vector<int32_t> after;
     } const kRows[] = {
-        {5, 2, 2, S_OK, {0, 1, 5, 6, 2, 3, 4, 7}},
-        {2, 5, 2, S_OK, {0, 1, 4, 5, 6, 2, 3, 7}},
-        {0, 1, -1, S_OK, {7, 0, 1, 2, 3, 4, 5, 6}},
-        {6, -3, -1, S_OK, {6, 7, 0, 1, 2, 3, 4, 5}},
-        {3, 3, 2, S_OK, Counting(8)},
-        {3, 1, 0, S_OK, Counting(8)},
-        {8, 0, -1, S_OK, Counting(8)},
-        {9, 0, -1, E_FAIL, Counting(8)},
-        {-1, 0, 1, E_INVALIDARG, Counting(8)},
-        {7, 0, 2, E_FAIL, Counting(8)},
-        {0, 7, 2, E_FAIL, Counting(8)},
-        {INT_MAX, 0, INT_MAX, E_FAIL, Counting(8)},
+        {3, 3, 2, S_OK, Counting(8)},         {5, 2, 2, S_OK, {0, 1, 5, 6, 2, 3, 4, 7}},
+        {3, 1, 0, S_OK, Counting(8)},         {2, 5, 2, S_OK, {0, 1, 4, 5, 6, 2, 3, 7}},
+        {8, 0, -1, S_OK, Counting(8)},        {0, 1, -1, S_OK, {7, 0, 1, 2, 3, 4, 5, 6}},
+        {9, 0, -1, E_FAIL, Counting(8)},      {6, -3, -1, S_OK, {6, 7, 0, 1, 2, 3, 4, 5}},
+        {7, 0, 2, E_FAIL, Counting(8)},       {-1, 0, 1, E_INVALIDARG, Counting(8)},
+        {0, 7, 2, E_FAIL, Counting(8)},       {INT_MAX, 0, INT_MAX, E_FAIL, Counting(8)},
         {1, 2, INT_MAX, E_FAIL, Counting(8)},
     };
     for (const uint32_t kind : {uint32_t{KTLIST_HEAP}, uint32_t{KTLIST_IN_PLACE}}) {

@@ -85,9 +85,29 @@ TEST_F(LanguageFacts, OrderTheNamesOfPeople) {
 // The process's narrow code page has one byte to each character here.
 TEST(MultiByteCharacters, AreNotSeenWhereThereAreNone) {
     for (const char* const text : {"", "a", "\x82\xA0\x82\xA2", static_cast<const char*>(nullptr)}) {
-        EXPECT_FALSE(KtLang_DetectMultiByteCharacters(text, 4));
-        EXPECT_FALSE(KtLang_DetectMultiByteCharacters(text, 1));
-        EXPECT_FALSE(KtLang_DetectMultiByteCharacters(text, -1));
+        for (const int32_t length : {4, 1, -1}) EXPECT_FALSE(KtLang_DetectMultiByteCharacters(text, length)) << length;
+    }
+}
+
+int ShiftJisType(unsigned char byte, int type_before) {
+    constexpr int kLead = 1;
+    if (type_before == kLead) return byte >= 0x40 && byte != 0x7F && byte <= 0xFC ? _MBC_TRAIL : _MBC_SINGLE;
+    return (byte >= 0x81 && byte <= 0x9F) || (byte >= 0xE0 && byte <= 0xFC) ? kLead : _MBC_SINGLE;
+}
+
+TEST(MultiByteCharacters, AreALeadByteWithItsTrailByte) {
+    const struct {
+        const char* text;
+        int32_t length;
+        bool has;
+    } kRows[] = {
+        {"\x82\xA0", 2, true},    {"abc\x82\xA0", 5, true}, {"\x83\x5C", 2, true},      {"\xFCz", 2, true},
+        {"abc", 3, false},        {"\xA0\xA0", 2, false},   {"\x82\x20\x41", 3, false}, {"a\x82\xA0", 2, false},
+        {"\x82\0\xA0", 3, false}, {"", 0, false},
+    };
+    for (const auto& row : kRows) {
+        EXPECT_EQ(clipfio::HasMultiByteCharacters(row.text, row.length, ShiftJisType), row.has)
+            << testing::PrintToString(row.text) << ", " << row.length;
     }
 }
 

@@ -6,6 +6,8 @@
 #include <utility>
 
 #include "kernel/lang.h"
+#include "platform/modules.h"
+#include "platform/scoped.h"
 #include "platform/text.h"
 
 class WithLanguage : public testing::Test {
@@ -24,4 +26,15 @@ class WithLanguage : public testing::Test {
     }
 
     HKTLANG handle_ = nullptr;
+};
+
+// Over the base module of these tests, which lies beside its satellite.
+class WithBaseModule : public WithLanguage {
+  protected:
+    void SetUp() override {
+        base_.Reset(LoadLibraryW(platform::Wide(CLIPFIO_LANG_MODULE).c_str()));
+        ASSERT_TRUE(base_) << CLIPFIO_LANG_MODULE;
+        Open(base_.Get(), 0);
+    }
+    platform::ScopedLibrary base_;
 };

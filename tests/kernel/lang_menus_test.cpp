@@ -64,16 +64,8 @@ TEST(Menus, AreCleanedOfSeparatorsThatPartNothing) {
     struct {
         const char *menu, *cleaned;
     } const kRows[] = {
-        {"ab", "ab"},
-        {"-a--b-", "a-b"},
-        {"--a---b--", "a-b"},
-        {"---", ""},
-        {"a-(-)-b", "a-b"},
-        {"(--)(-c-)", "(c)"},
-        {"a(b(-)-)", "a(b)"},
-        {"(())a", "a"},
-        {"", ""},
-        {"-(abcdefgh)-(i)", "(abcdefgh)-(i)"},
+        {"---", ""}, {"ab", "ab"},   {"-a--b-", "a-b"},  {"--a---b--", "a-b"}, {"a(b(-)-)", "a(b)"},
+        {"", ""},    {"(())a", "a"}, {"a-(-)-b", "a-b"}, {"(--)(-c-)", "(c)"}, {"-(abcdefgh)-(i)", "(abcdefgh)-(i)"},
     };
     for (const auto& row : kRows) {
         const Menu menu = Make(row.menu);
@@ -93,12 +85,9 @@ TEST(Menus, LoseAndGrayTheCommandsOfAList) {
         int32_t clean;
         const char *culled, *grayed;
     } const kRows[] = {
-        {{'b', 'd'}, 2, 0, "a-(c-)e", "a!b-(c-!d)e"},
-        {{'b', 'd'}, 2, 1, "a-(c)e", "a!b-(c-!d)e"},
-        {{'c', 'd', 0, 'a'}, -1, 1, "ab-e", "ab-(!c-!d)e"},
-        {{'a', 'b'}, 1, 0, "b-(c-d)e", "!ab-(c-d)e"},
-        {{'z'}, 1, 0, "ab-(c-d)e", "ab-(c-d)e"},
-        {{'a'}, 0, 0, "ab-(c-d)e", "ab-(c-d)e"},
+        {{'b', 'd'}, 2, 1, "a-(c)e", "a!b-(c-!d)e"}, {{'b', 'd'}, 2, 0, "a-(c-)e", "a!b-(c-!d)e"},
+        {{'z'}, 1, 0, "ab-(c-d)e", "ab-(c-d)e"},     {{'c', 'd', 0, 'a'}, -1, 1, "ab-e", "ab-(!c-!d)e"},
+        {{'a'}, 0, 0, "ab-(c-d)e", "ab-(c-d)e"},     {{'a', 'b'}, 1, 0, "b-(c-d)e", "!ab-(c-d)e"},
     };
     for (const auto& row : kRows) {
         const Menu culled = Make("ab-(c-d)e");
@@ -185,15 +174,7 @@ TEST(Menus, HaveTheirTextsFormattedWithoutArguments) {
     EXPECT_EQ(GetMenuItemID(below, 0), 6u);
 }
 
-class LoadedMenu : public WithLanguage {
-  protected:
-    void SetUp() override {
-        base_.Reset(LoadLibraryW(platform::Wide(CLIPFIO_LANG_MODULE).c_str()));
-        ASSERT_TRUE(base_);
-        Open(base_.Get(), 0);
-    }
-    platform::ScopedLibrary base_;
-};
+using LoadedMenu = WithBaseModule;
 
 TEST_F(LoadedMenu, HasNoMarksAndComesFromTheLanguage) {
     const WCHAR* const name = MAKEINTRESOURCEW(20);

@@ -10,17 +10,12 @@
 #include "platform/resources.h"
 #include "platform/scoped.h"
 #include "platform/window_layout.h"
-#include "support/failing_new.h"
+#include "support/fail_each.h"
 
 namespace {
 
-class Satellite : public WithLanguage {
+class Satellite : public WithBaseModule {
   protected:
-    void SetUp() override {
-        base_.Reset(LoadLibraryW(platform::Wide(CLIPFIO_LANG_MODULE).c_str()));
-        ASSERT_TRUE(base_) << CLIPFIO_LANG_MODULE;
-        Open(base_.Get(), 0);
-    }
     void Use(LCID lcid) { ASSERT_EQ(KtLang_UpdateKernelLCID(handle_, lcid, 0), 1); }
     std::string Text(uint32_t id) const { return platform::Utf8(KtGetString(handle_, id)); }
     std::string Data(uint32_t id) const {
@@ -28,8 +23,6 @@ class Satellite : public WithLanguage {
         const HGLOBAL block = KtLoadResourceCustom(handle_, MAKEINTRESOURCEW(id), MAKEINTRESOURCEW(10), &size);
         return block ? std::string(static_cast<const char*>(LockResource(block)), size) : "none";
     }
-
-    platform::ScopedLibrary base_;
 };
 
 TEST_F(Satellite, ComesFirstForItsLanguages) {
@@ -182,20 +175,17 @@ TEST_F(Satellite, SetsTheThreadsLocale) {
 
 // Each allocation and each call of the platform fails once.
 TEST_F(Satellite, OpensWholeOrNotAtAll) {
-    for (int n = 0;; ++n) {
-        platform::faults::FailAfter(n);
-        HKTLANG lang = nullptr;
-        const HRESULT result = KtLang_Open(&lang, base_.Get(), 0x0407, 3);
-        const bool hit = platform::faults::Hit();
-        platform::faults::Clear();
-        // A satellite that cannot be loaded is no failure.
-        EXPECT_TRUE(lang ? result == S_OK : result == E_OUTOFMEMORY) << n;
-        if (lang) {
-            EXPECT_EQ(platform::Utf8(KtGetString(lang, 18)), "only in the base");
-        }
-        KtLang_Close(lang);
-        if (!hit) break;
-    }
+    HKTLANG opened = nullptr;
+    support::FailEach<support::FailingCall>([&] { return KtLang_Open(&opened, base_.Get(), 0x0407, 3); },
+                                            [&](HRESULT result, bool) {
+                                                // A satellite that cannot be loaded is no failure.
+                                                EXPECT_EQ(result, opened ? S_OK : E_OUTOFMEMORY);
+                                                if (opened) {
+                                                    EXPECT_EQ(WStringView(KtGetString(opened, 18)),
+                                                              W("only in the base"));
+                                                }
+                                                KtLang_Close(std::exchange(opened, nullptr));
+                                            });
     const FailingNew fail(0);
     HKTLANG lang = nullptr;
     EXPECT_EQ(KtLang_Open(&lang, base_.Get(), 0, 0), E_OUTOFMEMORY);

@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <set>
 
+#include "kernel/level_text.h"
 #include "kernel/string_rows.h"
 #include "kernel/string_table.h"
 #include "lang_fixture.h"
@@ -182,11 +183,10 @@ TEST_F(Strings, AreConvertedByWayOfTheRing) {
     struct {
         const char* narrow;
         const char* wide;
-    } const kRows[] = {{"", ""},
-                       {"a\xE4\x80z", "a\u00E4\u20ACz"},
-                       {longest.c_str(), longest.c_str()},
-                       {longer.c_str(), ""},
-                       {nullptr, ""}};
+    } const kRows[] = {
+        {longer.c_str(), ""}, {"a\xE4\x80z", "a\u00E4\u20ACz"},   {"", ""},
+        {nullptr, ""},        {longest.c_str(), longest.c_str()},
+    };
     for (const auto& row : kRows) {
         EXPECT_EQ(Utf8(KtGetPrintFromMultiByteString(handle_, row.narrow)), row.wide);
         EXPECT_EQ(Utf8(KtGetPrintFromMultiByteString(nullptr, row.narrow)), "");
@@ -196,6 +196,13 @@ TEST_F(Strings, AreConvertedByWayOfTheRing) {
     EXPECT_STREQ(KtGetMultiByteFromPrintString(nullptr, W("x")), "");
     EXPECT_STREQ(KtGetMultiByteFromPrintString(handle_, WString(511, W('y')).c_str()), std::string(511, 'y').c_str());
     EXPECT_STREQ(KtGetMultiByteFromPrintString(handle_, WString(512, W('y')).c_str()), "");
+}
+
+TEST(LevelText, IsAShortErrorWithoutRoomForIt) {
+    ASSERT_EQ(clipfio::KernelLanguage(), nullptr);
+    EXPECT_EQ(Utf8(KtGetLabeledStringFixed(5, 0, 0, W(" dB"))), "Err.");
+    EXPECT_EQ(Utf8(KtGetLabeledStringFloat(5, 1, 0, nullptr)), "Err.");
+    EXPECT_EQ(Utf8(KtGetdBStringFixed(-600, 1, -600, 1)), "-Inf.");
 }
 
 }  // namespace

@@ -61,19 +61,17 @@ class Metrics : public testing::Test {
 };
 
 TEST_F(Metrics, LieWhereCompanyApplicationAndVersionSay) {
-    struct Row {
+    const struct {
         uint32_t version;
-        const WCHAR* sub_key;
-        const WCHAR* path;
-    };
-    const Row kRows[] = {
+        const WCHAR *sub_key, *path;
+    } kRows[] = {
         {0x0E02FFFF, nullptr, W("\\14.2\\Metrics")},
         {0xFFFF0000, W(""), W("\\255.255\\Metrics")},
         {0x01000000, W("Audio"), W("\\1.0\\Metrics\\Audio")},
         {0x00030000, nullptr, W("\\Metrics")},
         {0, W("a\\b"), W("\\Metrics\\a\\b")},
     };
-    for (const Row& row : kRows) {
+    for (const auto& row : kRows) {
         ScopedMetric metrics;
         EXPECT_EQ(Open(metrics.Out(), row.version, row.sub_key), S_OK);
         EXPECT_EQ(KtSetMetric(metrics.Get(), 1, row.version + 1), S_OK);
@@ -116,34 +114,23 @@ TEST_F(Metrics, OpeningRefusesWhatNamesNothing) {
     EXPECT_EQ(KtMetric_Open(nullptr, W("x"), 0, nullptr), E_INVALIDARG);
 }
 
-TEST_F(Metrics, AKeyThatCannotBeOpenedLeavesAHandleWithoutValues) {
-    ScopedMetric metrics;
-    EXPECT_EQ(KtMetric_OpenAppVersion(metrics.Out(), W("\\leads nowhere"), nullptr),
+// Without a handle, and with one whose key could not be opened.
+TEST_F(Metrics, WithoutAKeyThereIsNoStore) {
+    ScopedMetric broken;
+    EXPECT_EQ(KtMetric_OpenAppVersion(broken.Out(), W("\\leads nowhere"), nullptr),
               HRESULT_FROM_WIN32(ERROR_BAD_PATHNAME));
-    ASSERT_NE(metrics.Get(), nullptr);
-    uint32_t got = 9;
-    WCHAR text[8];
-    EXPECT_EQ(KtGetMetric(metrics.Get(), 1), 0u);
-    EXPECT_EQ(KtGetMetricEx(metrics.Get(), 1, 0, 10, 20), 10u) << "the fallback, limited";
-    EXPECT_EQ(KtSetMetric(metrics.Get(), 1, 2), E_FAIL);
-    EXPECT_EQ(KtSetMetricUsingName(metrics.Get(), W("x"), 2), E_FAIL);
-    EXPECT_EQ(KtGetMetricAny(metrics.Get(), 1, REG_SZ, text, sizeof text, &got), E_UNEXPECTED);
-    EXPECT_EQ(KtGetMetricBinaryEx(metrics.Get(), 1, text, sizeof text, &got), kOtherType);
-    EXPECT_EQ(KtGetMetricStringEx(metrics.Get(), 1, text, 8, W("none"), 1), 4);
-    EXPECT_EQ(KtDoesMetricExist(metrics.Get(), 1, REG_DWORD), 1);
-    EXPECT_EQ(KtDeleteMetric(metrics.Get(), 1, REG_DWORD), S_FALSE);
-}
-
-TEST_F(Metrics, NoHandleMeansNoStore) {
-    for (const HKTMETRIC none : {static_cast<HKTMETRIC>(nullptr), kDefault}) {
+    ASSERT_NE(broken.Get(), nullptr);
+    for (const HKTMETRIC none : {static_cast<HKTMETRIC>(nullptr), kDefault, broken.Get()}) {
+        SCOPED_TRACE(none);
         uint32_t got = 9;
         char data[4] = {1, 2, 3, 4};
         WCHAR text[8] = W("old");
         EXPECT_EQ(KtGetMetric(none, 1), 0u);
-        EXPECT_EQ(KtGetMetricEx(none, 1, 0, 10, 20), 20u) << "without any limit";
+        EXPECT_EQ(KtGetMetricEx(none, 1, 0, 10, 20), none == broken.Get() ? 10u : 20u) << "without a handle no limits";
         EXPECT_EQ(KtGetMetricBool(none, 1, 5), 1);
         EXPECT_EQ(KtGetMetricUsingName(none, W("x"), 7), 7u);
         EXPECT_EQ(KtSetMetric(none, 1, 1), E_FAIL);
+        EXPECT_EQ(KtSetMetricUsingName(none, W("x"), 2), E_FAIL);
         EXPECT_EQ(KtSetMetricString(none, 1, W("x")), E_FAIL);
         EXPECT_EQ(KtSetMetricMultiString(none, 1, W("x\0"), 3), E_FAIL);
         EXPECT_EQ(KtSetMetricBinary(none, 1, data, 4), E_FAIL);
@@ -153,31 +140,30 @@ TEST_F(Metrics, NoHandleMeansNoStore) {
         EXPECT_EQ(data[3], 0);
         EXPECT_EQ(KtGetMetricStringEx(none, 1, text, 8, nullptr, 0), 0);
         EXPECT_EQ(text[0], 0);
+        EXPECT_EQ(KtGetMetricStringEx(none, 1, text, 8, W("none"), 1), 4);
         EXPECT_EQ(KtDoesMetricExist(none, 1, REG_DWORD), 1);
         EXPECT_EQ(KtDeleteMetric(none, 1, REG_DWORD), S_FALSE);
         EXPECT_EQ(KtDeleteMetricUsingName(none, W("x"), REG_DWORD), S_FALSE);
+    }
+    for (const HKTMETRIC none : {static_cast<HKTMETRIC>(nullptr), kDefault}) {
         EXPECT_EQ(KtMetric_Close(none), S_OK);
         EXPECT_EQ(KtMetric_CloseAndDeleteKey(none), E_FAIL);
     }
 }
 
 TEST_F(Metrics, NamesAreNumbersWithALetter) {
-    struct Row {
+    const struct {
         int32_t metric;
         uint32_t type;
         const char* name;
         const WCHAR* stored;
-    };
-    const Row kRows[] = {
-        {5, REG_DWORD, "D5", W("5")},
-        {-5, REG_DWORD, "D5", W("5")},
-        {0, REG_SZ, "S0", W("S0")},
-        {-12, REG_BINARY, "B12", W("B12")},
+    } kRows[] = {
+        {5, REG_DWORD, "D5", W("5")},     {-12, REG_BINARY, "B12", W("B12")},
+        {-5, REG_DWORD, "D5", W("5")},    {INT32_MAX, 99, "Z2147483647", W("Z2147483647")},
+        {0, REG_SZ, "S0", W("S0")},       {INT32_MIN, REG_SZ, "S2147483648", W("S2147483648")},
         {7, REG_MULTI_SZ, "Z7", W("Z7")},
-        {INT32_MAX, 99, "Z2147483647", W("Z2147483647")},
-        {INT32_MIN, REG_SZ, "S2147483648", W("S2147483648")},
     };
-    for (const Row& row : kRows) {
+    for (const auto& row : kRows) {
         WCHAR name[12];
         EXPECT_EQ(KtMetricGetName(row.metric, row.type, name), static_cast<int32_t>(std::strlen(row.name)));
         EXPECT_EQ(Utf8(name), row.name);
@@ -233,34 +219,24 @@ TEST_F(Metrics, AnyTypeIntoABuffer) {
     Put(W("S2"), REG_SZ, W("abcd"), 6);        // without its terminator
     Put(W("S3"), REG_SZ, "a\0b\0cd", 5);       // and without half a character
     KtSetMetric(Handle(), 1, 7);
-    struct Row {
+    const struct {
         int32_t metric;
-        uint32_t type;
-        uint32_t size;
+        uint32_t type, size;
         HRESULT result;
         uint32_t got;
         const char* text;  // of a text
-    };
-    const Row kRows[] = {
-        {1, REG_BINARY, 16, S_OK, 5, nullptr},
-        {1, REG_BINARY, 5, S_OK, 5, nullptr},
-        {1, REG_BINARY, 4, kTooSmall, 5, nullptr},
-        {2, REG_BINARY, 16, kOtherType, 0, nullptr},
-        {9, REG_BINARY, 16, S_OK, 0, nullptr},
-        {1, REG_DWORD, 4, S_OK, 4, nullptr},
-        {1, REG_SZ, 16, S_OK, 8, "abc"},
-        {1, REG_SZ, 8, S_OK, 8, "abc"},
-        {1, REG_SZ, 6, kTooSmall, 8, "ab"},
-        {1, REG_SZ, 5, kTooSmall, 8, "a"},
-        {1, REG_SZ, 2, kTooSmall, 8, ""},
-        {1, REG_SZ, 1, kTooSmall, 8, nullptr},
-        {2, REG_SZ, 16, S_OK, 6, "abc"},
-        {2, REG_SZ, 7, kTooSmall, 8, "ab"},
-        {2, REG_SZ, 6, kTooSmall, 8, "ab"},
-        {3, REG_SZ, 16, S_OK, 5, "ab"},
+    } kRows[] = {
+        {1, REG_SZ, 16, S_OK, 8, "abc"},    {1, REG_BINARY, 16, S_OK, 5, nullptr},
+        {1, REG_SZ, 8, S_OK, 8, "abc"},     {1, REG_BINARY, 5, S_OK, 5, nullptr},
+        {1, REG_SZ, 6, kTooSmall, 8, "ab"}, {1, REG_BINARY, 4, kTooSmall, 5, nullptr},
+        {1, REG_SZ, 5, kTooSmall, 8, "a"},  {2, REG_BINARY, 16, kOtherType, 0, nullptr},
+        {1, REG_SZ, 2, kTooSmall, 8, ""},   {9, REG_BINARY, 16, S_OK, 0, nullptr},
+        {2, REG_SZ, 16, S_OK, 6, "abc"},    {1, REG_DWORD, 4, S_OK, 4, nullptr},
+        {2, REG_SZ, 7, kTooSmall, 8, "ab"}, {1, REG_SZ, 1, kTooSmall, 8, nullptr},
+        {3, REG_SZ, 16, S_OK, 5, "ab"},     {2, REG_SZ, 6, kTooSmall, 8, "ab"},
         {9, REG_SZ, 16, S_OK, 0, ""},
     };
-    for (const Row& row : kRows) {
+    for (const auto& row : kRows) {
         SCOPED_TRACE(std::to_string(row.type) + ", " + std::to_string(row.metric) + ", " + std::to_string(row.size));
         WCHAR data[10];
         std::memset(data, '#', sizeof data);
@@ -287,19 +263,18 @@ TEST_F(Metrics, BinaryData) {
     ASSERT_EQ(KtSetMetricBinary(Handle(), 2, nullptr, 0), S_OK);
     Put(W("B3"), REG_SZ, "1234", 4);
     EXPECT_EQ(KtSetMetricBinary(Handle(), 1, nullptr, 5), E_FAIL);
-    struct Row {
+    const struct {
         int32_t metric;
         uint32_t size;
         HRESULT result;
         uint32_t got;
         std::string data;
-    };
-    const Row kRows[] = {
+    } kRows[] = {
         {1, 8, S_OK, 5, std::string("12345\0\0\0", 8)}, {1, 5, S_OK, 5, "12345"},
         {1, 4, kTooSmall, 5, std::string(4, '\0')},     {2, 3, S_OK, 0, std::string(3, '\0')},
         {3, 8, S_FALSE, 0, std::string(8, '\0')},       {4, 8, S_FALSE, 0, std::string(8, '\0')},
     };
-    for (const Row& row : kRows) {
+    for (const auto& row : kRows) {
         std::string data(row.size + 1, '#');
         uint32_t got = 99;
         EXPECT_EQ(KtGetMetricBinaryEx(Handle(), row.metric, data.data(), row.size, &got), row.result) << row.metric;
@@ -330,15 +305,12 @@ TEST_F(Metrics, Texts) {
     put(5, two);
     Put(W("S7"), REG_BINARY, "a\0b\0", 4);
     Put(W("Z7"), REG_SZ, "a\0b\0", 4);
-    struct Row {
-        int32_t metric;
-        int32_t size;
+    const struct {
+        int32_t metric, size;
         const WCHAR* fallback;
-        int32_t allow_empty;
-        int32_t result;
+        int32_t allow_empty, result;
         WString text;
-    };
-    const Row kRows[] = {
+    } kRows[] = {
         {1, 10, W("none"), 0, 3, W("abc")},  {1, 4, W("none"), 0, 3, W("abc")},
         {1, 3, W("none"), 0, 2, W("no")},    {1, 3, nullptr, 0, 0, W("")},
         {2, 10, W("none"), 0, 4, W("none")}, {2, 10, W("none"), 1, 0, W("")},
@@ -348,7 +320,7 @@ TEST_F(Metrics, Texts) {
         {6, 10, W("none"), 1, 4, W("none")}, {6, 10, nullptr, 1, 0, W("")},
         {7, 10, W("none"), 1, 4, W("none")}, {1, 1, W("none"), 0, 0, W("")},
     };
-    for (const Row& row : kRows) {
+    for (const auto& row : kRows) {
         SCOPED_TRACE(std::to_string(row.metric) + ", " + std::to_string(row.size));
         for (const auto read : {KtGetMetricStringEx, KtGetMetricMultiStringEx}) {
             WString buffer(11, W('#'));

@@ -11,11 +11,9 @@
 
 namespace {
 
-using support::Position;
+using namespace support;
 
 constexpr int32_t kMost32 = std::numeric_limits<int32_t>::max();
-constexpr int64_t kMost64 = std::numeric_limits<int64_t>::max();
-constexpr int64_t kLeast64 = std::numeric_limits<int64_t>::min();
 
 struct Place {
     int32_t measure, beat, tick;
@@ -33,29 +31,21 @@ Place PlaceOf(int64_t time, const _ktposfmt& format) {
 
 TEST(MusicTime, SplitsTimesIntoMeasures) {
     // 120 beats a minute are 5000000 units a beat.
-    struct Row {
+    const struct {
         int64_t time;
         double tempo;
         uint16_t beats_per_measure;
         Place place;
+    } kRows[] = {
+        {0, 120, 4, {0, 0, 0}},        {19999999, 120, 4, {1, 0, 0}},  // rounding may have taken that much
+        {5000000, 120, 4, {0, 1, 0}},  {22500000, 120, 4, {1, 0, 480}},
+        {20000000, 120, 4, {1, 0, 0}}, {-20010000, 120, 4, {-1, 0, -1}},
+        {20000000, 120, 3, {1, 1, 0}}, {5000000, std::numeric_limits<double>::quiet_NaN(), 4, {0, 0, 0}},
+        {20000000, 60, 4, {0, 2, 0}},  {5000000, std::numeric_limits<double>::infinity(), 4, {kMost32, 0, 0}},
+        {5000000, 120, 0, {0, 0, 0}},  {kMost64, 1e9, 1, {kMost32, 0, 0}},
+        {5000000, 0, 4, {0, 0, 0}},    {kLeast64, 1e9, 1, {std::numeric_limits<int32_t>::min(), 0, 0}},
     };
-    const Row kRows[] = {
-        {0, 120, 4, {0, 0, 0}},
-        {5000000, 120, 4, {0, 1, 0}},
-        {19999999, 120, 4, {1, 0, 0}},  // rounding may have taken that much
-        {20000000, 120, 4, {1, 0, 0}},
-        {22500000, 120, 4, {1, 0, 480}},
-        {20000000, 120, 3, {1, 1, 0}},
-        {20000000, 60, 4, {0, 2, 0}},
-        {-20010000, 120, 4, {-1, 0, -1}},
-        {5000000, 120, 0, {0, 0, 0}},
-        {5000000, 0, 4, {0, 0, 0}},
-        {5000000, std::numeric_limits<double>::quiet_NaN(), 4, {0, 0, 0}},
-        {5000000, std::numeric_limits<double>::infinity(), 4, {kMost32, 0, 0}},
-        {kMost64, 1e9, 1, {kMost32, 0, 0}},
-        {kLeast64, 1e9, 1, {std::numeric_limits<int32_t>::min(), 0, 0}},
-    };
-    for (const Row& row : kRows) {
+    for (const auto& row : kRows) {
         _ktposfmt format = Position(KTPOSFMT_MEASURES);
         format.tempo = row.tempo;
         format.beatsPerMeasure = row.beats_per_measure;
@@ -69,35 +59,23 @@ TEST(MusicTime, SplitsTimesIntoMeasures) {
 }
 
 TEST(MusicTime, PrintsTicks) {
-    const support::InLocale locale(0x0409);
-    struct Row {
+    const InLocale locale(0x0409);
+    const struct {
         int64_t ticks;
-        int32_t base;
-        int32_t compact;
+        int32_t base, compact;
         uint32_t divisor;
         const char* text;
         uint16_t beat_value = 4;
         uint16_t beats_per_measure = 4;
         uint32_t ticks_per_beat = 960;
+    } kRows[] = {
+        {0, 0, 0, 1, "0.0.000"},    {3839, 1, 0, 10, "1.4.095"},     {3840 + 960 + 7, 1, 0, 1, "2.2.007"},
+        {0, 1, 0, 1, "1.1.000"},    {-3841, 1, 0, 1, "-2.4.959"},    {3840 + 960 + 7, 0, 1, 1, "1.1"},
+        {3839, 1, 0, 0, "1.4.959"}, {500, 1, 0, 1, "1.2.020", 8},    {480, 0, 0, 1, "0.0.000", 4, 4, 0},
+        {-1, 0, 0, 1, "-1.3.959"},  {480, 1, 0, 1, "1.1.000", 0},    {kMost64, 0, 1, 1, "2147483647.2"},
+        {-1, 1, 0, 1, "-1.4.959"},  {480, 0, 0, 1, "0.0.000", 4, 0}, {kLeast64, 0, 1, 1, "-2147483648.1"},
     };
-    const Row kRows[] = {
-        {0, 0, 0, 1, "0.0.000"},
-        {0, 1, 0, 1, "1.1.000"},
-        {3840 + 960 + 7, 1, 0, 1, "2.2.007"},
-        {3840 + 960 + 7, 0, 1, 1, "1.1"},
-        {3839, 1, 0, 10, "1.4.095"},
-        {3839, 1, 0, 0, "1.4.959"},
-        {-1, 0, 0, 1, "-1.3.959"},
-        {-1, 1, 0, 1, "-1.4.959"},
-        {-3841, 1, 0, 1, "-2.4.959"},
-        {500, 1, 0, 1, "1.2.020", 8},
-        {480, 1, 0, 1, "1.1.000", 0},
-        {480, 0, 0, 1, "0.0.000", 4, 0},
-        {480, 0, 0, 1, "0.0.000", 4, 4, 0},
-        {kMost64, 0, 1, 1, "2147483647.2"},
-        {kLeast64, 0, 1, 1, "-2147483648.1"},
-    };
-    for (const Row& row : kRows) {
+    for (const auto& row : kRows) {
         _ktposfmt format = Position(KTPOSFMT_MEASURES);
         format.beatValue = row.beat_value;
         format.beatsPerMeasure = row.beats_per_measure;
@@ -119,31 +97,30 @@ TEST(MusicTime, PrintsTicks) {
 }
 
 TEST(MusicTime, ReadsPlacesIntoTimes) {
-    struct Row {
+    constexpr int64_t kBeat = 5000000;
+    const struct {
         const WCHAR* text;
         int32_t format;
         uint32_t flags;
         int64_t time;
         std::size_t end;
-    };
-    constexpr int64_t kBeat = 5000000;
-    const Row kRows[] = {
-        {W("2.3.480"), KTPOSFMT_MEASURES, 0, 4 * kBeat + 2 * kBeat + kBeat / 2, 7},
-        {W("2.3.480"), KTPOSFMT_MEASURES0, 0, 8 * kBeat + 3 * kBeat + kBeat / 2, 7},
-        {W("2.3.480"), KTPOSFMT_MEASURES, KTPOSTEXT_RAW, 8 * kBeat + 3 * kBeat + kBeat / 2, 7},
+    } kRows[] = {
+        {W("2.3.480"), KTPOSFMT_MEASURES, 0, 32500000, 7},
+        {W("2.3.480"), KTPOSFMT_MEASURES0, 0, 57500000, 7},
+        {W("2.3.480"), KTPOSFMT_MEASURES, KTPOSTEXT_RAW, 57500000, 7},
         {W("1.1.000"), KTPOSFMT_MEASURES, 0, 0, 7},
         {W("0.0.960"), KTPOSFMT_MEASURES, 0, kBeat, 7},
         {W("480"), KTPOSFMT_MEASURES, 0, kBeat / 2, 3},
         {W("3.0"), KTPOSFMT_MEASURES, 0, 2 * kBeat, 3},
         {W("3."), KTPOSFMT_MEASURES, 0, 2 * kBeat, 2},
-        {W("3.2"), KTPOSFMT_MEASURES, KTPOSTEXT_SHORT, 8 * kBeat + kBeat, 3},
-        {W("3.2.480"), KTPOSFMT_MEASURES, KTPOSTEXT_SHORT, 8 * kBeat + kBeat, 3},
+        {W("3.2"), KTPOSFMT_MEASURES, KTPOSTEXT_SHORT, 45000000, 3},
+        {W("3.2.480"), KTPOSFMT_MEASURES, KTPOSTEXT_SHORT, 45000000, 3},
         {W("2"), KTPOSFMT_MEASURES, KTPOSTEXT_SHORT, kBeat, 1},
         {W(""), KTPOSFMT_MEASURES, 0, 0, 0},
         {W("none"), KTPOSFMT_MEASURES, 0, 0, 0},
-        {W("99999999999.1.0"), KTPOSFMT_MEASURES, 0, (int64_t{kMost32} - 1) * 4 * kBeat, 15},
+        {W("99999999999.1.0"), KTPOSFMT_MEASURES, 0, 42949672920000000, 15},
     };
-    for (const Row& row : kRows) {
+    for (const auto& row : kRows) {
         const _ktposfmt format = Position(row.format);
         const WCHAR* end = nullptr;
         EXPECT_EQ(KtTextToMusicTimeToken(row.text, &format, row.flags, &end), row.time) << platform::Utf8(row.text);
@@ -160,18 +137,17 @@ TEST(MusicTime, ReadsPlacesIntoTimes) {
 }
 
 TEST(MusicTime, ReadsPlacesIntoTicks) {
-    struct Row {
+    const struct {
         const WCHAR* text;
         int32_t base;
         uint32_t multiplier;
         Place place;
         int64_t ticks;
-    };
-    const Row kRows[] = {
-        {W("2.3.480"), 0, 1, {2, 3, 480}, 11 * 960 + 480},
-        {W("2.3.480"), 1, 1, {1, 2, 480}, 6 * 960 + 480},
-        {W("2.3.48"), 1, 10, {1, 2, 480}, 6 * 960 + 480},
-        {W(" -2.3.480"), 1, 1, {-2, 2, 480}, -6 * 960 + 480},
+    } kRows[] = {
+        {W("2.3.480"), 0, 1, {2, 3, 480}, 11040},
+        {W("2.3.480"), 1, 1, {1, 2, 480}, 6240},
+        {W("2.3.48"), 1, 10, {1, 2, 480}, 6240},
+        {W(" -2.3.480"), 1, 1, {-2, 2, 480}, -5280},
         {W("-1.4.959"), 1, 1, {-1, 3, 959}, -1},
         {W("2"), 1, 1, {1, 0, 0}, 3840},
         {W("2."), 0, 1, {2, 0, 0}, 7680},
@@ -180,10 +156,10 @@ TEST(MusicTime, ReadsPlacesIntoTicks) {
         {W("-"), 1, 1, {0, 0, 0}, 0},
         {W("x"), 1, 1, {0, 0, 0}, 0},
         {nullptr, 1, 1, {0, 0, 0}, 0},
-        {W("0.0.9999999999"), 0, 0xFFFFFFFF, {0, 0, kMost32}, int64_t{kMost32} * 0xFFFFFFFF},
+        {W("0.0.9999999999"), 0, 0xFFFFFFFF, {0, 0, kMost32}, 9223372030412324865},
     };
     const _ktposfmt format = Position(KTPOSFMT_MEASURES);
-    for (const Row& row : kRows) {
+    for (const auto& row : kRows) {
         Place place{-9, -9, -9};
         EXPECT_EQ(KtTextToMeasuresBeatsTicks(row.text, &format, row.base, row.multiplier, &place.measure, &place.beat,
                                              &place.tick),
@@ -209,7 +185,7 @@ TEST(MusicTime, ReadsPlacesIntoTicks) {
 }
 
 TEST(MusicTime, TicksGoToTextAndBack) {
-    const support::InLocale locale(0x0407);
+    const InLocale locale(0x0407);
     const _ktposfmt format = Position(KTPOSFMT_MEASURES);
     for (int64_t ticks = -20000; ticks < 20000; ticks += 7) {
         for (const int32_t base : {0, 1}) {

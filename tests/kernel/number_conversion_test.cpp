@@ -28,35 +28,30 @@ std::string Text(Call call) {
 }
 
 TEST(NumberToText, WritesEveryType) {
+    const InLocale locale(0x0409);
+    const auto expect = [](auto print, auto value, const char* plain, const char* grouped, bool with_groups) {
+        EXPECT_EQ(Text([&](WCHAR* out) { return print(value, out, with_groups); }), with_groups ? grouped : plain);
+    };
     for (const bool grouped : {false, true}) {
-        const InLocale locale(0x0409);
-        if (grouped && !locale.IsSet()) continue;
-        const auto pick = [grouped](const char* plain, const char* groups) { return grouped ? groups : plain; };
-        EXPECT_EQ(Text([&](WCHAR* out) { return KtDWordToText(4294967295, out, grouped); }),
-                  pick("4294967295", "4,294,967,295"));
-        EXPECT_EQ(Text([&](WCHAR* out) { return KtDWordLongToText(kMostU64, out, grouped); }),
-                  pick("18446744073709551615", "18,446,744,073,709,551,615"));
-        EXPECT_EQ(Text([&](WCHAR* out) { return KtLongToText(kLeast32, out, grouped); }),
-                  pick("-2147483648", "-2,147,483,648"));
-        EXPECT_EQ(Text([&](WCHAR* out) { return KtLongLongToText(kLeast64, out, grouped); }),
-                  pick("-9223372036854775808", "-9,223,372,036,854,775,808"));
-        EXPECT_EQ(Text([&](WCHAR* out) { return KtLongToText(0, out, grouped); }), "0");
-        EXPECT_EQ(Text([&](WCHAR* out) { return KtDWordLongToText(0, out, grouped); }), "0");
+        if (grouped && !locale.IsSet()) GTEST_SKIP() << locale.Lack();
+        expect(KtDWordToText, 4294967295u, "4294967295", "4,294,967,295", grouped);
+        expect(KtDWordLongToText, kMostU64, "18446744073709551615", "18,446,744,073,709,551,615", grouped);
+        expect(KtLongToText, kLeast32, "-2147483648", "-2,147,483,648", grouped);
+        expect(KtLongLongToText, kLeast64, "-9223372036854775808", "-9,223,372,036,854,775,808", grouped);
+        expect(KtLongToText, 0, "0", "0", grouped);
+        expect(KtDWordLongToText, 0u, "0", "0", grouped);
     }
 }
 
 TEST(NumberToText, KeepsToTheSize) {
     const InLocale locale(0x0409);
-    struct Row {
-        int32_t size;
-        int32_t grouped;
-        int32_t result;  // of the forms that tell of a cut
+    const struct {
+        int32_t size, grouped, result;  // of the forms that tell of a cut
         const char* text;
-    };
-    const Row rows[] = {{0, 0, 0, "~"},       {1, 0, 0, "~"},       {2, 0, 0, "1"},         {7, 0, 0, "123456"},
-                        {8, 0, 7, "1234567"}, {9, 1, 0, "1234567"}, {10, 1, 9, "1,234,567"}};
-    for (const Row& row : rows) {
-        if (row.grouped && !locale.IsSet()) continue;
+    } rows[] = {{0, 0, 0, "~"},       {1, 0, 0, "~"},       {2, 0, 0, "1"},         {7, 0, 0, "123456"},
+                {8, 0, 7, "1234567"}, {9, 1, 0, "1234567"}, {10, 1, 9, "1,234,567"}};
+    for (const auto& row : rows) {
+        if (row.grouped && !locale.IsSet()) GTEST_SKIP() << locale.Lack();
         const auto check = [&row](auto call, auto value) {
             WCHAR text[20] = {W('~'), 0};
             EXPECT_EQ(call(value, text, row.size, row.grouped), row.result) << row.size;
@@ -72,58 +67,53 @@ TEST(NumberToText, KeepsToTheSize) {
 }
 
 TEST(NumberToText, RoundsDoubles) {
-    struct Row {
+    // Half a step is that of a step in single precision.
+    const struct {
         double value;
         int32_t decimals;
         const char* text;
-    };
-    // Half a step is that of a step in single precision.
-    const Row rows[] = {
-        {-0.004, 2, "0.00"},
-        {-0.006, 2, "-0.01"},
-        {-0.005, 2, "0.00"},
-        {0.0499999994, 1, "0.1"},
-        {1.999, 2, "2.00"},
-        {0.5, 0, "1"},
-        {0.4, 0, "0"},
-        {-1.5, 0, "-2"},
-        {1.05, 2, "1.05"},
-        {123456.789, 1, "123456.8"},
-        {0.000000001, 9, "0.000000001"},
-        {1.5, 20, "1.500000000"},
-        {1.5, -3, "2"},
-        {1e30, 2, "18446744073709551615.00"},
-        {-1e30, 0, "-18446744073709551615"},
-        {0.05, 1, "0.1"},
+    } rows[] = {
+        {-0.004, 2, "0.00"}, {-0.006, 2, "-0.01"},
+        {-0.005, 2, "0.00"}, {123456.789, 1, "123456.8"},
+        {1.999, 2, "2.00"},  {0.0499999994, 1, "0.1"},
+        {0.5, 0, "1"},       {0.000000001, 9, "0.000000001"},
+        {0.4, 0, "0"},       {1.5, 20, "1.500000000"},
+        {-1.5, 0, "-2"},     {1e30, 2, "18446744073709551615.00"},
+        {1.05, 2, "1.05"},   {-1e30, 0, "-18446744073709551615"},
+        {1.5, -3, "2"},      {std::nan(""), 1, "0.0"},
+        {0.05, 1, "0.1"},    {-std::numeric_limits<double>::infinity(), 0, "-18446744073709551615"},
         {0.95, 1, "1.0"},
-        {std::nan(""), 1, "0.0"},
-        {-std::numeric_limits<double>::infinity(), 0, "-18446744073709551615"},
     };
-    for (const Row& row : rows) {
-        EXPECT_EQ(Text([&](WCHAR* out) { return KtDoubleToText(out, row.value, row.decimals, 0); }), row.text);
-    }
-    const InLocale locale(0x0407);
-    if (locale.IsSet()) {
-        EXPECT_EQ(Text([](WCHAR* out) { return KtDoubleToText(out, -1234567.128, 2, 1); }), "-1.234.567,13");
-        EXPECT_EQ(Text([](WCHAR* out) { return KtDoubleToText(out, 0, 1, 1); }), "0,0");
-        EXPECT_EQ(Text([](WCHAR* out) { return KtDoubleToTextN(out, 6, 1234.5, 1, 1); }), "1234.");
+    for (const auto& row : rows) {
+        EXPECT_EQ(Text([&](WCHAR* out) { return KtDoubleToText(out, row.value, row.decimals, 0); }), row.text)
+            << row.value;
     }
     EXPECT_EQ(Text([](WCHAR* out) { return KtDoubleToTextN(out, 5, 12.345, 3, 0); }), "12.3");
     WCHAR untouched = W('~');
     EXPECT_EQ(KtDoubleToTextN(&untouched, 0, 1, 0, 0), 0);
     EXPECT_EQ(untouched, W('~'));
+    const InLocale locale(0x0407);
+    if (!locale.IsSet()) GTEST_SKIP() << locale.Lack();
+    EXPECT_EQ(Text([](WCHAR* out) { return KtDoubleToText(out, -1234567.128, 2, 1); }), "-1.234.567,13");
+    EXPECT_EQ(Text([](WCHAR* out) { return KtDoubleToText(out, 0, 1, 1); }), "0,0");
+    EXPECT_EQ(Text([](WCHAR* out) { return KtDoubleToTextN(out, 6, 1234.5, 1, 1); }), "1234.");
 }
 
 TEST(NumberText, FormatsWhatTheRuntimePrinted) {
+    for (int32_t size = 0; size < 12; ++size) {
+        WCHAR text[12] = {W('~')};
+        EXPECT_EQ(KtFormatNumber(W(" 1234567 "), text, size), 0);
+        EXPECT_EQ(text[0], size > 0 ? 0 : W('~'));
+    }
+    EXPECT_EQ(KtFormatNumber(nullptr, nullptr, 5), 0);
     const InLocale locale(0x0407);
-    struct Row {
+    if (!locale.IsSet()) GTEST_SKIP() << locale.Lack();
+    const struct {
         const WCHAR* source;
-        const char* whole;
-        const char* decimal;
+        const char *whole, *decimal;
         const char* grouped;  // decimals as the source has them
         const char* one;      // one decimal
-    };
-    const Row rows[] = {
+    } rows[] = {
         {W("1234567.25"), "1.234.567", "1234567,25", "1.234.567,25", "1.234.567,3"},
         {W("-1234.5"), "-1.235", "-1234,5", "-1.234,5", "-1.234,5"},
         {W("  012345"), "  012.345", "  012345", "  012.345", "  012.345,0"},
@@ -134,25 +124,18 @@ TEST(NumberText, FormatsWhatTheRuntimePrinted) {
         {W("1.#INF"), "", "", "", ""},
         {W("-"), "", "", "", ""},
     };
-    for (const Row& row : rows) {
-        if (!locale.IsSet()) continue;
+    for (const auto& row : rows) {
         SCOPED_TRACE(platform::Utf8(row.source));
         EXPECT_EQ(Text([&](WCHAR* out) { return KtFormatNumber(row.source, out, 64); }), row.whole);
         EXPECT_EQ(Text([&](WCHAR* out) { return KtFormatDecimalNumber(row.source, out, 64); }), row.decimal);
         EXPECT_EQ(Text([&](WCHAR* out) { return KtFormatGroupDecimalNumber(row.source, out, 64, -1); }), row.grouped);
         EXPECT_EQ(Text([&](WCHAR* out) { return KtFormatGroupDecimalNumber(row.source, out, 64, 1); }), row.one);
     }
-    for (int32_t size = 0; size < 12; ++size) {
-        WCHAR text[12] = {W('~')};
-        EXPECT_EQ(KtFormatNumber(W(" 1234567 "), text, size), 0);
-        EXPECT_EQ(text[0], size > 0 ? 0 : W('~'));
-    }
-    EXPECT_EQ(KtFormatNumber(nullptr, nullptr, 5), 0);
 }
 
 TEST(TextToNumber, ReadsFromTheFront) {
     const InLocale locale(0x0409);
-    struct Row {
+    const struct {
         const WCHAR* text;
         uint32_t u32;
         uint64_t u64;
@@ -160,8 +143,7 @@ TEST(TextToNumber, ReadsFromTheFront) {
         int64_t i64;
         double number;
         int stopped;
-    };
-    const Row rows[] = {
+    } rows[] = {
         {W(""), 0, 0, 0, 0, 0, 0},
         {W("  42 x"), 42, 42, 42, 42, 42, 4},
         {W("1,234,567"), 1234567, 1234567, 1234567, 1234567, 1234567, 9},
@@ -177,7 +159,7 @@ TEST(TextToNumber, ReadsFromTheFront) {
         {W("18446744073709551617"), 1, 1, kMost32, kMost64, 18446744073709551617.0, 20},
         {W("-99999999999999999999"), 0, 0, kLeast32, kLeast64, -99999999999999999999.0, 21},
     };
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         SCOPED_TRACE(platform::Utf8(row.text));
         const WCHAR* end = nullptr;
         const auto check = [&](auto value, auto expected) {
@@ -202,7 +184,7 @@ TEST(TextToNumber, ReadsFromTheFront) {
 
 TEST(TextToNumber, FollowsTheLocale) {
     const InLocale locale(0x040C);
-    if (!locale.IsSet()) return;
+    if (!locale.IsSet()) GTEST_SKIP() << locale.Lack();
     const WCHAR* const text = W("-1\u00A0234,5");
     const WCHAR* end = nullptr;
     EXPECT_EQ(KtTextToLongToken(text, &end), -1234);
@@ -214,16 +196,15 @@ TEST(TextToNumber, FollowsTheLocale) {
 }
 
 TEST(TextToNumber, ReadsHexadecimal) {
-    struct Row {
+    const struct {
         const WCHAR* text;
         uint32_t u32;
         uint64_t u64;
         int stopped;
-    };
-    const Row rows[] = {{W("0X1f"), 31, 31, 4}, {W("g"), 0, 0, 0},  {W(" \tAbC,"), 0xABC, 0xABC, 5},
-                        {W("0x"), 0, 0, 2},     {W("-1"), 0, 0, 0}, {W("123456789a"), 0x3456789A, 0x123456789A, 10},
-                        {W("0x0x1"), 0, 0, 3}};
-    for (const Row& row : rows) {
+    } rows[] = {{W("0X1f"), 31, 31, 4}, {W("g"), 0, 0, 0},  {W(" \tAbC,"), 0xABC, 0xABC, 5},
+                {W("0x"), 0, 0, 2},     {W("-1"), 0, 0, 0}, {W("123456789a"), 0x3456789A, 0x123456789A, 10},
+                {W("0x0x1"), 0, 0, 3}};
+    for (const auto& row : rows) {
         const WCHAR* end = nullptr;
         EXPECT_EQ(KtHexToDWordToken(row.text, &end), row.u32);
         EXPECT_EQ(end - row.text, row.stopped);
@@ -234,17 +215,15 @@ TEST(TextToNumber, ReadsHexadecimal) {
 
 TEST(TextToNumber, HoldsValuesAtTheirLimits) {
     const InLocale locale(0x0409);
-    struct Row {
+    const struct {
         const WCHAR* text;
-        int32_t minimum;
-        int32_t maximum;
+        int32_t minimum, maximum;
         int32_t value;  // with a default of 7
         int stopped;
-    };
-    const Row rows[] = {{W("abc"), 0, 100, 7, 0},  {W(""), 5, 100, 5, 0},    {W("0 x"), 0, 100, 0, 1},
-                        {W("0x"), 0, 100, 7, 1},   {W("50"), 0, 100, 50, 2}, {W("500"), 0, 100, 100, 3},
-                        {W("abc"), 10, 20, 10, 0}, {W("1"), 20, 10, 20, 1},  {W("  "), 0, 100, 0, 2}};
-    for (const Row& row : rows) {
+    } rows[] = {{W("abc"), 0, 100, 7, 0},  {W(""), 5, 100, 5, 0},    {W("0 x"), 0, 100, 0, 1},
+                {W("0x"), 0, 100, 7, 1},   {W("50"), 0, 100, 50, 2}, {W("500"), 0, 100, 100, 3},
+                {W("abc"), 10, 20, 10, 0}, {W("1"), 20, 10, 20, 1},  {W("  "), 0, 100, 0, 2}};
+    for (const auto& row : rows) {
         SCOPED_TRACE(platform::Utf8(row.text));
         const WCHAR* end = nullptr;
         const auto check = [&](auto value) {

@@ -36,12 +36,10 @@ class Buffer {
 };
 
 TEST(PathText, FindsNameAndExtension) {
-    struct Row {
+    const struct {
         const WCHAR* path;
-        const char* name;
-        const char* extension;
-    };
-    const Row kRows[] = {
+        const char *name, *extension;
+    } kRows[] = {
         {W("C:\\a.b\\clip.r3d"), "clip.r3d", ".r3d"},
         {W("clip.r3d"), "clip.r3d", ".r3d"},
         {W("C:clip"), "clip", ""},
@@ -55,7 +53,7 @@ TEST(PathText, FindsNameAndExtension) {
         {W(""), "", ""},
         {W("a.b\tc.d"), "a.b\tc.d", ".d"},
     };
-    for (const Row& row : kRows) {
+    for (const auto& row : kRows) {
         EXPECT_EQ(Utf8(KtGetFileNamePtrW(row.path)), row.name);
         EXPECT_EQ(Utf8(KtGetFileNameExtensionPtrW(row.path)), row.extension) << row.name;
         const std::string narrow = Utf8(row.path);
@@ -68,22 +66,15 @@ TEST(PathText, FindsNameAndExtension) {
 }
 
 TEST(PathText, TellsGoodNamesAndMendsBadOnes) {
-    struct Row {
+    const struct {
         const WCHAR* name;
         const char* mended;  // null: the name is valid
+    } kRows[] = {
+        {W(""), nullptr},      {W(".a b\t"), nullptr},    {W("clip 1.r3d"), nullptr},
+        {W("ends."), "ends_"}, {W("ends "), "ends_"},     {W("a/b\\c:d*e?f\"g<h>i|j"), "a_b_c_d_e_f_g_h_i_j"},
+        {W("."), "_"},         {W("ends.. "), "ends.._"}, {W("line\r\nend"), "line__end"},
     };
-    const Row kRows[] = {
-        {W(""), nullptr},
-        {W("clip 1.r3d"), nullptr},
-        {W(".a b\t"), nullptr},
-        {W("a/b\\c:d*e?f\"g<h>i|j"), "a_b_c_d_e_f_g_h_i_j"},
-        {W("line\r\nend"), "line__end"},
-        {W("ends."), "ends_"},
-        {W("ends "), "ends_"},
-        {W("ends.. "), "ends.._"},
-        {W("."), "_"},
-    };
-    for (const Row& row : kRows) {
+    for (const auto& row : kRows) {
         Buffer name(row.name, 40);
         EXPECT_EQ(KtValidateFileName(name.Data(), 0), row.mended == nullptr) << Utf8(row.name);
         EXPECT_EQ(name.Text(), Utf8(row.name));
@@ -95,16 +86,17 @@ TEST(PathText, TellsGoodNamesAndMendsBadOnes) {
 // Operations on a path in its buffer, by what they make of it and what they return.
 using Operation = std::function<int32_t(WCHAR*, int32_t)>;
 
-Operation AddExtension(const WCHAR* extension) {
+const Operation AddSlash = KtAddSlashToPathName, DropSlash = KtRemoveSlashFromPathNameEnd;
+Operation Extend(const WCHAR* extension) {
     return [=](WCHAR* path, int32_t size) { return KtAddExtensionToPathName(path, size, extension); };
 }
-Operation ReplaceExtension(const WCHAR* extension) {
+Operation Replace(const WCHAR* extension) {
     return [=](WCHAR* path, int32_t size) {
         KtReplaceExtensionOnPathName(path, size, extension);
         return -1;
     };
 }
-Operation ReplaceNumber(const WCHAR* extension) {
+Operation Renumber(const WCHAR* extension) {
     return [=](WCHAR* path, int32_t size) {
         KtReplaceExtensionOnPathNameEx(path, size, extension, 1);
         return -1;
@@ -115,85 +107,80 @@ Operation Append(const WCHAR* name, const WCHAR* extension = nullptr) {
 }
 
 TEST(PathText, ChangesAPathInItsBuffer) {
-    struct Row {
+    const struct {
         Operation operation;
         const WCHAR* path;
-        int32_t size;
-        int32_t result;
         const char* changed;
+        int32_t result = -1, size = 40;
+    } kRows[] = {
+        {AddSlash, W("c:"), "c:\\", 3},
+        {AddSlash, W("c:\\"), "c:\\", 3},
+        {AddSlash, W("c:\\"), "c:\\", 3, 4},
+        {AddSlash, W("a/"), "a/\\", 3},
+        {AddSlash, W(""), "", 0},
+        {AddSlash, W("abc"), "abc", 0, 4},
+        {AddSlash, W("abc"), "abc\\", 4, 5},
+        {AddSlash, W("abc"), "abc", 0, 0},
+        {DropSlash, W("c:\\a\\\\"), "c:\\a\\", 5},
+        {DropSlash, W("c:\\a"), "c:\\a", 4},
+        {DropSlash, W("\\"), "", 0},
+        {DropSlash, W(""), "", 0},
+        {DropSlash, W("a\\"), "a\\", 0, 2},
+        {Extend(W("txt")), W("a.TXT"), "a.TXT", 5},
+        {Extend(W(".txt")), W("a.TXT"), "a.TXT", 5},
+        {Extend(W("wav")), W("a.TXT"), "a.wav", 5},
+        {Extend(W("..wav")), W("c:\\x.y\\a"), "c:\\x.y\\a.wav", 12},
+        {Extend(W("I")), W("a.i"), "a.i", 3},
+        {Extend(W("")), W("a"), "a.", 2},
+        {Extend(W("wav")), W("clip"), "clip.w", 6, 7},
+        {Extend(W("wav")), W("clip"), "clip", 4, 5},
+        {Extend(W("wav")), W("clip"), "clip", 4, 4},
+        {Extend(nullptr), W("clip"), "clip", 4},
+        {Replace(W("Prop")), W("C:\\a.b\\c.r3d"), "C:\\a.b\\c.Prop"},
+        {Replace(W(".x")), W("C:\\a.b\\clip"), "C:\\a.b\\clip.x"},
+        {Replace(W("")), W("clip.r3d"), "clip."},
+        {Replace(W("x")), W("clip."), "clip.x"},
+        {Replace(W("x")), W(""), ""},
+        {Replace(W("y")), W("C:\\folder.x\\"), "C:\\folder.x\\"},
+        {Replace(W("long")), W("clip.r3d"), "clip.lon", -1, 9},
+        {Replace(W("long")), W("clip.r3d"), "clip", -1, 5},
+        {Replace(W(".x")), W("clip"), "clip", -1, 5},
+        {Replace(W("x")), W("clip.r3d"), "clip.r3d", -1, 3},
+        {Replace(W("x")), W("clip.r3d"), "clip.r3d", -1, 0},
+        {Replace(nullptr), W("clip.r3d"), "clip.r3d"},
+        {Replace(W("aif")), W("take_012.wav"), "take_012.aif"},
+        {Renumber(W(".aif")), W("take_012.wav"), "take.aif"},
+        {Renumber(W("aif")), W("x\\take_.wav"), "x\\take.aif"},
+        {Renumber(W("aif")), W("take012.wav"), "take012.aif"},
+        {Renumber(W("aif")), W("x\\_012.wav"), "x\\_012.aif"},
+        {Renumber(W("aif")), W("012"), "012.aif"},
+        {Renumber(W("aif")), W("a_1_2"), "a_1.aif"},
+        {Append(W("clip.r3d")), W("c:\\a"), "c:\\a\\clip.r3d", 13},
+        {Append(W("\\\\clip")), W("c:\\"), "c:\\\\clip", 8},
+        {Append(W("c.r3d"), W("wav")), W("a.b"), "a.b\\c.wav", 9},
+        {Append(W("b\\c"), W(".wav")), W("a"), "a\\b\\c.wav", 9},
+        {Append(W(""), W(".wav")), W("a.b"), "a.b\\", 4},
+        {Append(W("clip")), W(""), "clip", 4},
+        {Append(nullptr), W("a"), "a\\", 2},
+        {Append(W("clip"), W("wav")), W("a"), "a\\cl", 4, 5},
+        {Append(W("clip")), W("abc"), "abc", 0, 4},
     };
-    const Row kRows[] = {
-        {KtAddSlashToPathName, W("c:"), 40, 3, "c:\\"},
-        {KtAddSlashToPathName, W("c:\\"), 40, 3, "c:\\"},
-        {KtAddSlashToPathName, W("c:\\"), 4, 3, "c:\\"},
-        {KtAddSlashToPathName, W("a/"), 40, 3, "a/\\"},
-        {KtAddSlashToPathName, W(""), 40, 0, ""},
-        {KtAddSlashToPathName, W("abc"), 4, 0, "abc"},
-        {KtAddSlashToPathName, W("abc"), 5, 4, "abc\\"},
-        {KtAddSlashToPathName, W("abc"), 0, 0, "abc"},
-        {KtRemoveSlashFromPathNameEnd, W("c:\\a\\\\"), 40, 5, "c:\\a\\"},
-        {KtRemoveSlashFromPathNameEnd, W("c:\\a"), 40, 4, "c:\\a"},
-        {KtRemoveSlashFromPathNameEnd, W("\\"), 40, 0, ""},
-        {KtRemoveSlashFromPathNameEnd, W(""), 40, 0, ""},
-        {KtRemoveSlashFromPathNameEnd, W("a\\"), 2, 0, "a\\"},
-        {AddExtension(W("txt")), W("a.TXT"), 40, 5, "a.TXT"},
-        {AddExtension(W(".txt")), W("a.TXT"), 40, 5, "a.TXT"},
-        {AddExtension(W("wav")), W("a.TXT"), 40, 5, "a.wav"},
-        {AddExtension(W("..wav")), W("c:\\x.y\\a"), 40, 12, "c:\\x.y\\a.wav"},
-        {AddExtension(W("I")), W("a.i"), 40, 3, "a.i"},
-        {AddExtension(W("")), W("a"), 40, 2, "a."},
-        {AddExtension(W("wav")), W("clip"), 7, 6, "clip.w"},
-        {AddExtension(W("wav")), W("clip"), 5, 4, "clip"},
-        {AddExtension(W("wav")), W("clip"), 4, 4, "clip"},
-        {AddExtension(nullptr), W("clip"), 40, 4, "clip"},
-        {ReplaceExtension(W("KtDecProp")), W("C:\\a.b\\clip.r3d"), 40, -1, "C:\\a.b\\clip.KtDecProp"},
-        {ReplaceExtension(W(".x")), W("C:\\a.b\\clip"), 40, -1, "C:\\a.b\\clip.x"},
-        {ReplaceExtension(W("")), W("clip.r3d"), 40, -1, "clip."},
-        {ReplaceExtension(W("x")), W("clip."), 40, -1, "clip.x"},
-        {ReplaceExtension(W("x")), W(""), 40, -1, ""},
-        {ReplaceExtension(W("y")), W("C:\\folder.x\\"), 40, -1, "C:\\folder.x\\"},
-        {ReplaceExtension(W("long")), W("clip.r3d"), 9, -1, "clip.lon"},
-        {ReplaceExtension(W("long")), W("clip.r3d"), 5, -1, "clip"},  // no room for the point
-        {ReplaceExtension(W(".x")), W("clip"), 5, -1, "clip"},
-        {ReplaceExtension(W("x")), W("clip.r3d"), 3, -1, "clip.r3d"},  // a text that is longer than its buffer stays
-        {ReplaceExtension(W("x")), W("clip.r3d"), 0, -1, "clip.r3d"},
-        {ReplaceExtension(nullptr), W("clip.r3d"), 40, -1, "clip.r3d"},
-        {ReplaceExtension(W("aif")), W("take_012.wav"), 40, -1, "take_012.aif"},
-        {ReplaceNumber(W(".aif")), W("take_012.wav"), 40, -1, "take.aif"},
-        {ReplaceNumber(W("aif")), W("x\\take_.wav"), 40, -1, "x\\take.aif"},
-        {ReplaceNumber(W("aif")), W("take012.wav"), 40, -1, "take012.aif"},
-        {ReplaceNumber(W("aif")), W("x\\_012.wav"), 40, -1, "x\\_012.aif"},
-        {ReplaceNumber(W("aif")), W("012"), 40, -1, "012.aif"},
-        {ReplaceNumber(W("aif")), W("a_1_2"), 40, -1, "a_1.aif"},
-        {Append(W("clip.r3d")), W("c:\\a"), 40, 13, "c:\\a\\clip.r3d"},
-        {Append(W("\\\\clip")), W("c:\\"), 40, 8, "c:\\\\clip"},
-        {Append(W("clip.r3d"), W("wav")), W("c:\\a.b"), 40, 15, "c:\\a.b\\clip.wav"},
-        {Append(W("b\\clip"), W(".wav")), W("a"), 40, 12, "a\\b\\clip.wav"},
-        {Append(W(""), W(".wav")), W("a.b"), 40, 4, "a.b\\"},
-        {Append(W("clip")), W(""), 40, 4, "clip"},
-        {Append(nullptr), W("a"), 40, 2, "a\\"},
-        {Append(W("clip"), W("wav")), W("a"), 5, 4, "a\\cl"},
-        {Append(W("clip")), W("abc"), 4, 0, "abc"},
-    };
-    for (const Row& row : kRows) {
+    for (const auto& row : kRows) {
         Buffer path(row.path, row.size);
         EXPECT_EQ(row.operation(path.Data(), row.size), row.result) << Utf8(row.path) << " -> " << row.changed;
         EXPECT_EQ(path.Text(), row.changed) << Utf8(row.path);
     }
-    for (const Operation& operation : {Operation(KtAddSlashToPathName), Operation(KtRemoveSlashFromPathNameEnd),
-                                       AddExtension(W("x")), ReplaceNumber(W("x")), Append(W("x"))}) {
+    for (const Operation& operation : {AddSlash, DropSlash, Extend(W("x")), Renumber(W("x")), Append(W("x"))}) {
         EXPECT_LE(operation(nullptr, 10), 0);
     }
 }
 
 TEST(PathText, TakesPartsOfAPath) {
-    struct Row {
+    const struct {
         const WCHAR* path;
         const char* name;  // without its extension
-        const char* folder;
-        const char* root;
-    };
-    const Row kRows[] = {
+        const char *folder, *root;
+    } kRows[] = {
         {W("C:\\a.b\\clip.r3d"), "clip", "C:\\a.b\\", "C:\\"},
         {W("C:clip"), "clip", "C:", ""},
         {W("clip.a.b"), "clip.a", "", ""},
@@ -204,7 +191,7 @@ TEST(PathText, TakesPartsOfAPath) {
         {W("\\"), "", "\\", "\\"},
         {W(""), "", "", ""},
     };
-    for (const Row& row : kRows) {
+    for (const auto& row : kRows) {
         for (const int32_t size : {300, 4, 1}) {
             const auto cut = [size](const char* text) {
                 return std::string(text).substr(0, static_cast<size_t>(size) - 1);
@@ -230,56 +217,32 @@ TEST(PathText, TakesPartsOfAPath) {
 }
 
 TEST(PathText, MatchesWildCards) {
-    struct Row {
-        const WCHAR* pattern;
-        const WCHAR* name;
-        int32_t result;
+    using Pair = std::pair<const WCHAR*, const WCHAR*>;  // pattern and name
+    const std::vector<Pair> kMatching = {
+        {W("*"), W("")},   {W("*"), W("a.b.wav")}, {W("a"), W("a")},    {W("*.wav"), W("a.wav")},
+        {W("a."), W("a")}, {W("*.*"), W("a.wav")}, {W("a"), W("a.")},   {W("a*.wav"), W("a")},
+        {W("?"), W("a")},  {W("a?c"), W("abc")},   {W("a*"), W("abc")}, {W("t*_1.wav"), W("ta_1.wav")},
+        {W(""), W("")},    {W("**.c"), W("ab.c")}, {W("*."), W("abc")}, {W("?.?"), W("a.b")},
     };
-    const Row kRows[] = {
-        {W("*"), W("a.b.wav"), 1},
-        {W("*"), W(""), 1},
-        {W("*.wav"), W("a.wav"), 1},
-        {W("*.wav"), W("a.b.wav"), 0},
-        {W("*.*"), W("a.wav"), 1},
-        {W("*.*"), W("a"), 0},
-        {W("*.wav"), W("a.WAV"), 0},
-        {W("*.wav"), W("a.wave"), 0},
-        {W("a*.wav"), W("a"), 1},
-        {W("a"), W("a"), 1},
-        {W("a."), W("a"), 1},
-        {W("a"), W("a."), 1},
-        {W("a.."), W("a"), 0},
-        {W("a"), W("a.."), 0},
-        {W("?"), W("a"), 1},
-        {W("?"), W(""), 0},
-        {W("a?c"), W("abc"), 1},
-        {W("a?"), W("a"), 0},
-        {W("t*_1.wav"), W("ta_1.wav"), 1},
-        {W("*b"), W("abab"), 0},
-        {W("a*"), W("abc"), 1},
-        {W("a*"), W("abc.d"), 0},
-        {W("**.c"), W("ab.c"), 1},
-        {W(""), W(""), 1},
-        {W(""), W("a"), 0},
-        {W("*."), W("abc"), 1},
-        {W("?.?"), W("a.b"), 1},
-        {nullptr, W("a"), 0},
-        {W("a"), nullptr, 0},
+    const std::vector<Pair> kApart = {
+        {W("*.wav"), W("a.b.wav")}, {W("*.*"), W("a")},    {W("*.wav"), W("a.WAV")}, {W("*.wav"), W("a.wave")},
+        {W("a.."), W("a")},         {W("a"), W("a..")},    {W("?"), W("")},          {W("a?"), W("a")},
+        {W("*b"), W("abab")},       {W("a*"), W("abc.d")}, {W(""), W("a")},
     };
-    for (const Row& row : kRows) {
-        EXPECT_EQ(KtIsMatchWildCard(row.pattern, row.name), row.result)
-            << Utf8(row.pattern ? row.pattern : W("null")) << " and " << Utf8(row.name ? row.name : W("null"));
+    for (const auto& pairs : {kMatching, kApart}) {
+        for (const auto& [pattern, name] : pairs) {
+            EXPECT_EQ(KtIsMatchWildCard(pattern, name), pairs == kMatching) << Utf8(pattern) << " and " << Utf8(name);
+        }
     }
+    EXPECT_EQ(KtIsMatchWildCard(nullptr, W("a")), 0);
+    EXPECT_EQ(KtIsMatchWildCard(W("a"), nullptr), 0);
 }
 
 TEST(PathText, ComparesPathsFromTheirEnds) {
-    struct Row {
-        const WCHAR* other;
-        const WCHAR* path;
-        const char* relative;
-        const char* base;
-    };
-    const Row kRows[] = {
+    const struct {
+        const WCHAR *other, *path;
+        const char *relative, *base;
+    } kRows[] = {
         {W("D:\\x\\a\\b.wav"), W("C:\\y\\A\\B.WAV"), "A\\B.WAV", "C:\\y\\"},
         {W("D:\\x\\ca\\b.wav"), W("C:\\y\\da\\b.wav"), "b.wav", "C:\\y\\da\\"},
         {W("D:\\\\a.wav"), W("C:\\\\a.wav"), "a.wav", "C:\\\\"},
@@ -290,7 +253,7 @@ TEST(PathText, ComparesPathsFromTheirEnds) {
         {W(""), W("a\\b"), "", "a\\b\\"},
         {nullptr, W("a\\b"), "", "a\\b\\"},
     };
-    for (const Row& row : kRows) {
+    for (const auto& row : kRows) {
         EXPECT_EQ(Utf8(KtGetFileNamePtrRelative(row.other, row.path)), row.relative) << Utf8(row.path);
         const auto needed = static_cast<int32_t>(std::string(row.base).size()) + 1;
         for (const int32_t size : {300, needed, needed - 1}) {
@@ -311,15 +274,13 @@ TEST(PathText, ComparesPathsFromTheirEnds) {
 
 TEST(PathText, ReplacesABase) {
     const WString long_base(250, W('n'));
-    struct Row {
-        const WCHAR* path;
-        const WCHAR* old_base;
+    const struct {
+        const WCHAR *path, *old_base;
         WString new_base;
         int32_t size;
         HRESULT result;
         std::string replaced;
-    };
-    const Row kRows[] = {
+    } kRows[] = {
         {W("C:\\Old\\a\\b"), W("c:\\old"), W("D:\\new"), 40, S_OK, "D:\\new\\a\\b"},
         {W("\u00C4b"), W("\u00E4"), W("x"), 40, S_OK, "xb"},
         {W("Title"), W("tI"), W(""), 40, S_OK, "tle"},
@@ -333,7 +294,7 @@ TEST(PathText, ReplacesABase) {
         {W("a1234567890"), W("a"), long_base, 400, E_FAIL, ""},
         {nullptr, W("a"), W("x"), 40, E_FAIL, ""},
     };
-    for (const Row& row : kRows) {
+    for (const auto& row : kRows) {
         Buffer out(W("old"), row.size);
         EXPECT_EQ(KtReplaceBasePathRelative(row.path, row.old_base, row.new_base.c_str(), out.Data(), row.size),
                   row.result)

@@ -27,55 +27,27 @@ std::string Printed(const WCHAR* format, Arguments... arguments) {
 }
 
 TEST(Print, ConvertsAsTheRuntimeDoes) {
-    struct Row {
+    const struct {
         const WCHAR* format;
         int32_t argument;
         const char* text;
+    } kRows[] = {
+        {W("%d"), 0, "0"},     {W("%d%%d"), 3, "3%d"},   {W("plain"), 0, "plain"},   {W("%u"), -1, "4294967295"},
+        {W("%i"), -1, "-1"},   {W("%I32d"), -7, "-7"},   {W("$$5.00"), 0, "$5.00"},  {W("%I32x"), -1, "ffffffff"},
+        {W("%o"), 8, "10"},    {W("100%%"), 0, "100%"},  {W("$-3pd|"), 3, "$-3pd|"}, {W("%6z|"), 1234, "  1234|"},
+        {W(""), 0, ""},        {W("abc$"), 0, "abc%"},   {W("%5d|"), 42, "   42|"},  {W("%hd"), 0x12345, "9029"},
+        {W("%"), 0, "%"},      {W("a%cb"), 'Z', "aZb"},  {W("%z"), -1234, "-1234"},  {W("%#x"), 0xBEEF, "0xbeef"},
+        {W("%ld"), -5, "-5"},  {W("%.4d"), 42, "0042"},  {W("%-5d|"), 42, "42   |"}, {W("%08X"), 0xBEEF, "0000BEEF"},
+        {W("%c|"), 0, "|"},    {W("%S %d"), 3, "%S %d"}, {W("%x"), 0xBEEF, "beef"},  {W("%d"), 1234567, "1234567"},
+        {W("%kd"), 3, "kd"},   {W("%y%Sd"), 3, "%y%Sd"}, {W("%X"), 0xBEEF, "BEEF"},  {W("$o"), 01234567, "1234567"},
+        {W("%nd"), 3, "%nd"},  {W("%3c|"), 'Z', "  Z|"}, {W("$-12l"), 0, "%-12l"},   {W("$x"), 0x12345678, "12345678"},
+        {W("%+d"), 42, "+42"}, {W("%%%%$$"), 0, "%%$"},
     };
-    const Row kRows[] = {
-        {W("%d"), 1234567, "1234567"},
-        {W("%d"), 0, "0"},
-        {W("%d"), std::numeric_limits<int32_t>::min(), "-2147483648"},
-        {W("%i"), -1, "-1"},
-        {W("%u"), -1, "4294967295"},
-        {W("%ld"), -5, "-5"},
-        {W("%hd"), 0x12345, "9029"},
-        {W("%I32d"), -7, "-7"},
-        {W("%I32x"), -1, "ffffffff"},
-        {W("%o"), 8, "10"},
-        {W("%x"), 0xBEEF, "beef"},
-        {W("%X"), 0xBEEF, "BEEF"},
-        {W("$x"), 0x12345678, "12345678"},  // never grouped
-        {W("$o"), 01234567, "1234567"},
-        {W("%08X"), 0xBEEF, "0000BEEF"},
-        {W("%#x"), 0xBEEF, "0xbeef"},
-        {W("%5d|"), 42, "   42|"},
-        {W("%-5d|"), 42, "42   |"},
-        {W("%+d"), 42, "+42"},
-        {W("%.4d"), 42, "0042"},
-        {W("a%cb"), 'Z', "aZb"},
-        {W("%3c|"), 'Z', "  Z|"},
-        {W("%c|"), 0, "|"},
-        {W("100%%"), 0, "100%"},
-        {W("$$5.00"), 0, "$5.00"},
-        {W(""), 0, ""},
-        {W("plain"), 0, "plain"},
-        {W("abc$"), 0, "abc%"},
-        {W("%"), 0, "%"},
-        {W("$-12l"), 0, "%-12l"},
-        {W("50% of"), 8, "5010f"},  // a conversion with a blank flag, which an octal number does not heed
-        {W("50% by way"), 0, "50% by way"},
-        {W("%%%%$$"), 0, "%%$"},
-        {W("%d%%d"), 3, "3%d"},
-        {W("%kd"), 3, "kd"},       // the runtime's answer to a letter that it does not know
-        {W("%S %d"), 3, "%S %d"},  // letters that would take the number for an address
-        {W("%nd"), 3, "%nd"},
-        {W("$-3pd|"), 3, "$-3pd|"},
-        {W("%y%Sd"), 3, "%y%Sd"},
-        {W("%z"), -1234, "-1234"},
-        {W("%6z|"), 1234, "  1234|"},
-    };
-    for (const Row& row : kRows) EXPECT_EQ(Printed(row.format, row.argument), row.text) << row.text;
+    for (const auto& row : kRows) EXPECT_EQ(Printed(row.format, row.argument), row.text) << row.text;
+    EXPECT_EQ(Printed(W("%d"), std::numeric_limits<int32_t>::min()), "-2147483648");
+    EXPECT_EQ(Printed(W("50% by way"), 0), "50% by way");
+    EXPECT_EQ(Printed(W("50% of"), 8), "5010f")
+        << "a conversion with a blank flag, which an octal number does not heed";
     EXPECT_EQ(Printed(W("%s and %s"), W("one"), W("")), "one and ");
     EXPECT_EQ(Printed(W("%5s|%-4s|%.2s"), W("abc"), W("d"), W("xyz")), "  abc|d   |xy");
     EXPECT_EQ(Printed(W("%s"), static_cast<const WCHAR*>(nullptr)), "(null)");
@@ -92,83 +64,80 @@ TEST(Print, ConvertsAsTheRuntimeDoes) {
 }
 
 TEST(Print, WritesNumbersAsTheUsersLocaleDoes) {
-    struct Row {
+    int in_their_locale = 0;
+    const struct {
         LCID lcid;
         const WCHAR* format;
         int64_t argument;
         const char* text;
-    };
-    const Row kRows[] = {
-        {0x0409, W("$d"), 1234567, "1,234,567"},
-        {0x0409, W("$i"), -1234567, "-1,234,567"},
+    } kRows[] = {
         {0x0409, W("$d"), 123, "123"},
+        {0x0409, W("$i"), -1234567, "-1,234,567"},
         {0x0409, W("$d"), -123, "-123"},
+        {0x0409, W("$d"), 1234567, "1,234,567"},
         {0x0409, W("$d"), 0, "0"},
         {0x0409, W("$u Hz"), 44100, "44,100 Hz"},
-        {0x0409, W("$ld Hz"), 48000, "48,000 Hz"},
-        {0x0409, W("$10d|"), 12345, "     12,345|"},
-        {0x0409, W("$-8d|"), 12345, "12,345   |"},
-        {0x0409, W("$010d"), 12345, "0000012,345"},  // padding stays as the width gave it
-        {0x0409, W("$+d"), 12345, "+12,345"},
-        {0x0409, W("$I64d"), 1234567890123, "1,234,567,890,123"},
         {0x0409, W("$z"), 12345, "12,345"},
+        {0x0409, W("$ld Hz"), 48000, "48,000 Hz"},
+        {0x0409, W("$+d"), 12345, "+12,345"},
+        {0x0409, W("$10d|"), 12345, "     12,345|"},
         {0x0409, W("$.1z"), 12345, "1,234.5"},
+        {0x0409, W("$-8d|"), 12345, "12,345   |"},
         {0x0409, W("%.1z"), 12345, "1234.5"},
+        {0x0409, W("$I64d"), 1234567890123, "1,234,567,890,123"},
         {0x0409, W("$.2z"), 5, "0.05"},
-        {0x0409, W("$.2z"), -5, "-0.05"},
-        {0x0409, W("$.0z"), 5, "5"},
         {0x0409, W("$.16z"), 5, "0.0000000000000005"},
-        {0x0407, W("%.2z"), 123456, "1234,56"},
+        {0x0409, W("$.2z"), -5, "-0.05"},
         {0x0407, W("$d"), 1234567, "1.234.567"},
+        {0x0409, W("$.0z"), 5, "5"},
         {0x040C, W("$d"), 1234567, "1\u00A0234\u00A0567"},
+        {0x0407, W("%.2z"), 123456, "1234,56"},
         {0x0411, W("$d"), 1234567, "1,234,567"},
-        {0x0416, W("$d"), 1234567, "1.234.567"},
-        {0x0439, W("$d"), 12345678, "12,345,678"},  // the first group's size for all
         {0x0409, W("$,|$:|$*"), 0, ",|:|."},
+        {0x0416, W("$d"), 1234567, "1.234.567"},
         {0x0407, W("%,|%:|%*"), 0, ";|:|,"},
+        {0x0439, W("$d"), 12345678, "12,345,678"},  // the first group's size for all
         {0x040B, W("$:"), 0, "."},
-        {0x0409, W("$*d"), 0, ".d"},
-        {0x0409, W("%!:$!.%!,"), 0, ":.,"},
-        {0x0409, W("%&:$&."), 0, ".."},
-        {0x0409, W("$!x|%&,|%!"), 0, "x|,|"},  // what chooses nothing is text
-        {0x0409, W("$(1234567.5)|$(-5)|$(.5)|$(0012)"), 0, "1,234,567.5|-5|0.5|0012"},
         {0x0407, W("$(1234567.5)"), 0, "1.234.567,5"},
+        {0x0409, W("$*d"), 0, ".d"},
+        {0x0409, W("$010d"), 12345, "0000012,345"},  // as the width gave it
+        {0x0409, W("%!:$!.%!,"), 0, ":.,"},
+        {0x0409, W("$!x|%&,|%!"), 0, "x|,|"},  // what chooses nothing is text
+        {0x0409, W("%&:$&."), 0, ".."},
         {0x0409, W("$(1,234)|$(-)|$(1.2.3)"), 0, "1,234|-|1.2.3"},
         {0x0409, W("$(12"), 0, "$(12"},
         {0x0409, W("$(12x)"), 0, "$(12x)"},
         {0x0409, W("$(1-$d)"), 7, "$(1-7)"},
+        {0x0409, W("$(1234.5)|$(-5)|$(.5)"), 0, "1,234.5|-5|0.5"},
+        {0x0409, W("$(0012)"), 0, "0012"},
     };
-    for (const Row& row : kRows) {
+    for (const auto& row : kRows) {
         const InLocale locale(row.lcid);
         if (!locale.IsSet()) continue;
+        ++in_their_locale;
         EXPECT_EQ(Printed(row.format, row.argument), row.text) << std::hex << row.lcid;
     }
-    struct FloatRow {
+    const struct {
         LCID lcid;
         const WCHAR* format;
         double argument;
         const char* text;
-    };
-    const FloatRow kFloats[] = {
-        {0x0409, W("$.2f"), 1234.5, "1,234.50"},
-        {0x0409, W("$.2f"), -1234.5, "-1,234.50"},
-        {0x0409, W("$f"), 1234567.25, "1,234,567.250000"},
-        {0x0409, W("$8.2f"), 1.5, "    1.50"},
-        {0x0409, W("$.0f"), 1234.6, "1,235"},
-        {0x0407, W("$.2f"), 1234.5, "1.234,50"},
-        {0x0407, W("%.2f"), 1234.5, "1234.50"},
-        {0x0407, W("$g"), 1.5, "1,5"},
-        {0x0407, W("$g"), 123456.0, "123456"},
+    } kFloats[] = {
+        {0x0409, W("$.2f"), 1234.5, "1,234.50"}, {0x0409, W("$.2f"), -1234.5, "-1,234.50"},
+        {0x0409, W("$8.2f"), 1.5, "    1.50"},   {0x0409, W("$f"), 1234567.25, "1,234,567.250000"},
+        {0x0409, W("$.0f"), 1234.6, "1,235"},    {0x0407, W("$.2f"), 1234.5, "1.234,50"},
+        {0x0407, W("%.2f"), 1234.5, "1234.50"},  {0x0407, W("$e"), 1.5, "1.500000e+000"},
+        {0x0407, W("$g"), 1.5, "1,5"},           {0x0409, W("$f"), std::numeric_limits<double>::infinity(), "1.#INF00"},
+        {0x0407, W("$g"), 123456.0, "123456"},   {0x0409, W("$g"), -std::numeric_limits<double>::infinity(), "-1.#INF"},
         {0x0407, W("$g"), 1e30, "1e+030"},
-        {0x0407, W("$e"), 1.5, "1.500000e+000"},
-        {0x0409, W("$f"), std::numeric_limits<double>::infinity(), "1.#INF00"},
-        {0x0409, W("$g"), -std::numeric_limits<double>::infinity(), "-1.#INF"},
     };
-    for (const FloatRow& row : kFloats) {
+    for (const auto& row : kFloats) {
         const InLocale locale(row.lcid);
         if (!locale.IsSet()) continue;
+        ++in_their_locale;
         EXPECT_EQ(Printed(row.format, row.argument), row.text) << row.text;
     }
+    if (in_their_locale == 0) GTEST_SKIP() << "needs a user of one of these locales";
 }
 
 TEST(Print, PutsTokensInThePlaceOfTheirNames) {
@@ -237,48 +206,35 @@ void ExpectBounded(uint32_t size, HRESULT result, const char* expected, const WC
 TEST(Print, SaysWhatBecameOfEachElementWhenTheRoomIsShort) {
     const InLocale locale(0x0409);
     ASSERT_EQ(KtPrintF_AddToken(W("Room"), W("abcdef")), 1);
-    // Literal text is cut and not reported.
-    ExpectBounded(5, S_OK, "abcd", W("abcdefgh"));
-    ExpectBounded(2, S_OK, "%", W("%%%%"));
-    ExpectBounded(2, S_OK, "$", W("$$$$"));
-    ExpectBounded(1, S_OK, "", W("abc"));
-    ExpectBounded(4, S_OK, "12 ", W("%d and more"), 12);
-    // Tokens, known and unknown; what is not closed.
-    ExpectBounded(4, S_OK, "abc", W("$(Room)"));
-    ExpectBounded(8, kSmall, "", W("$(Rome)"));
-    ExpectBounded(9, S_OK, "$(Rome)", W("$(Rome)"));
-    ExpectBounded(8, kSmall, "x", W("$(Rome)x"));
-    ExpectBounded(8, S_OK, "7", W("$(Rome)%d"), 7);
-    ExpectBounded(8, kSmall, "", W("$(Ro me"));
-    ExpectBounded(4, kSmall, "", W("$(12"));
-    ExpectBounded(8, S_OK, "$(12", W("$(12"));
-    // A literal number, a number by the short way, a grouped one, one by the runtime.
-    ExpectBounded(6, kSmall, "12345", W("$(1234567.5)"));
-    ExpectBounded(6, S_OK, "1,234", W("$(1234)"));
-    ExpectBounded(5, kSmall, "1234", W("$(1234)"));
-    ExpectBounded(5, kSmall, "1234", W("%d"), 1234567);
-    ExpectBounded(8, S_OK, "1234567", W("%d"), 1234567);
-    ExpectBounded(1, S_OK, "", W("%d"), 1234567);
-    ExpectBounded(10, S_OK, "1,234,567", W("$d"), 1234567);
-    ExpectBounded(9, kSmall, "1234567", W("$d"), 1234567);
-    ExpectBounded(5, kSmall, "1234", W("$u"), 1234567);
+    const struct {
+        uint32_t size;
+        HRESULT result;
+        const char* text;
+        const WCHAR* format;
+        int32_t argument = 0;
+    } kRows[] = {
+        {2, S_OK, "%", W("%%%%")},     {5, S_OK, "abcd", W("abcdefgh")},  {4, S_OK, "12 ", W("%d and more"), 12},
+        {2, S_OK, "$", W("$$$$")},     {4, S_OK, "abc", W("$(Room)")},    {9, S_OK, "$(Rome)", W("$(Rome)")},
+        {1, S_OK, "", W("abc")},       {8, kSmall, "x", W("$(Rome)x")},   {6, kSmall, "12345", W("$(1234567.5)")},
+        {8, kSmall, "", W("$(Rome)")}, {8, S_OK, "7", W("$(Rome)%d"), 7}, {5, kSmall, "1234", W("%d"), 1234567},
+        {8, kSmall, "", W("$(Ro me")}, {6, S_OK, "1,234", W("$(1234)")},  {8, S_OK, "1234567", W("%d"), 1234567},
+        {4, kSmall, "", W("$(12")},    {5, kSmall, "1234", W("$(1234)")}, {10, S_OK, "1,234,567", W("$d"), 1234567},
+        {8, S_OK, "$(12", W("$(12")},  {1, S_OK, "", W("%d"), 1234567},   {9, kSmall, "1234567", W("$d"), 1234567},
+        {4, S_OK, "   ", W("%5d"), 7}, {3, S_OK, "ab", W("%x"), 0xABCD},  {5, kSmall, "1234", W("$u"), 1234567},
+        {2, S_OK, ":", W("%:%:")},     {5, kCut, "    ", W("%5c"), 'x'},  {6, kSmall, "1234.", W("$.1z"), 12345},
+        {2, S_OK, "%", W("$")},
+    };
+    for (const auto& row : kRows) ExpectBounded(row.size, row.result, row.text, row.format, row.argument);
     ExpectBounded(7, kSmall, "1234.5", W("$.2f"), 1234.5);
     ExpectBounded(9, S_OK, "1,234.50", W("$.2f"), 1234.5);
-    ExpectBounded(6, kSmall, "1234.", W("$.1z"), 12345);
-    ExpectBounded(4, S_OK, "   ", W("%5d"), 7);
-    ExpectBounded(3, S_OK, "ab", W("%x"), 0xABCD);
     ExpectBounded(4, S_OK, "123", W("%.2f"), 1234.5);
     ExpectBounded(3, S_OK, "1.", W("$e"), 1.5);
-    // Characters and texts, and separators.
     ExpectBounded(5, kCut, "abcd", W("%s"), W("abcdefgh"));
     ExpectBounded(5, S_OK, "abcd", W("%s"), W("abcd"));
     ExpectBounded(5, kCut, "  ab", W("%6s"), W("abcd"));
     ExpectBounded(5, S_OK, "  ab", W("%4.2s"), W("abcd"));
-    ExpectBounded(5, kCut, "    ", W("%5c"), 'x');
     ExpectBounded(5, kCut, "(nul", W("%s"), static_cast<const WCHAR*>(nullptr));
     ExpectBounded(5, kCut, "    ", W("%1000000s"), W("x"));
-    ExpectBounded(2, S_OK, ":", W("%:%:"));
-    ExpectBounded(2, S_OK, "%", W("$"));
     EXPECT_EQ(KtPrintF_DeleteToken(W("Room")), 1);
 
     WCHAR text[5];

@@ -14,13 +14,11 @@ constexpr uint32_t kMost32 = std::numeric_limits<uint32_t>::max();
 constexpr int64_t kMost64 = std::numeric_limits<int64_t>::max();
 constexpr int64_t kLeast64 = std::numeric_limits<int64_t>::min();
 
-struct FormatRow {
-    uint32_t format;
-    uint32_t fps;
+constexpr struct {
+    uint32_t format, fps;
     double rate;
     uint32_t day;
-};
-constexpr FormatRow kFormats[] = {
+} kFormats[] = {
     {1, 30, 30.0, 2592000}, {2, 30, 30000.0 / 1001, 2589408}, {3, 25, 25.0, 2160000},
     {4, 24, 24.0, 2073600}, {5, 30, 30000.0 / 1001, 2592000}, {6, 24, 24000.0 / 1001, 2073600},
 };
@@ -40,7 +38,7 @@ _smpteval LabelOf(uint32_t format, uint32_t count) {
 bool Same(const _smpteval& a, const _smpteval& b) { return a.format == b.format && KTSMPTE_SMPTECompare(&a, &b) == 0; }
 
 TEST(Smpte, EveryFrameOfADayGoesToALabelAndBack) {
-    for (const FormatRow& row : kFormats) {
+    for (const auto& row : kFormats) {
         int shown = 0;
         _smpteval counted{row.format, 0, 0, 0, 0};
         for (uint32_t n = 0; n < row.day && shown < 10; ++n) {
@@ -85,43 +83,28 @@ TEST(Smpte, DropFrameLeavesTwoNumbersOutEachMinuteButEveryTenth) {
 }
 
 TEST(Smpte, ReadsText) {
-    struct Row {
+    const struct {
         uint32_t format;
         const WCHAR* text;
         const char* label;
         WCHAR rest = 0;
+    } kRows[] = {
+        {1, W("12"), "00:00:00:12"},     {1, W("123456"), "00:12:35:26"},
+        {1, W("1:"), "00:00:01:00"},     {1, W("1:234"), "00:01:03:04"},  // 1, 2, 34
+        {1, W("1:2:3:"), "01:02:03:00"}, {1, W("01:02:03;04"), "01:02:03:04"},
+        {1, W("1::"), "00:01:00:00"},    {1, W("  7 8 "), "00:00:07:08"},
+        {1, W("1:02"), "00:00:01:02"},   {6, W("0:0:0:47"), "00:00:01:23"},
+        {1, W("12345"), "00:01:24:15"},  {2, W("00:01:00;00"), "00:01:00:00"},
+        {1, W("123"), "00:00:01:23"},    {1, W("99:99:99:99"), "04:40:42:09"},
+        {1, W("7.\t"), "00:00:07:00"},   {0, W("99:59:59:99"), "03:59:59:99"},
+        {1, W("x1y2"), "00:00:01:02"},   {77, W("1:02:03:99"), "01:02:03:99"},
+        {3, W("30"), "00:00:01:05"},     {1, W("1:2:3:4:5"), "01:02:03:04", W(' ')},
+        {4, W("24"), "00:00:01:00"},     {1, W("1:2:3:4:"), "01:02:03:04", W(' ')},
+        {1, W(""), "00:00:00:00"},       {1, W("1:2:3:4 "), "01:02:03:04"},
+        {1, W("   "), "00:00:00:00"},    {1, W("123456789"), "01:23:47:07", W(' ')},
+        {1, nullptr, "00:00:00:00"},     {1, W("none"), "00:00:00:00", W(' ')},
     };
-    const Row kRows[] = {
-        {1, W("12"), "00:00:00:12"},
-        {1, W("1:"), "00:00:01:00"},
-        {1, W("1:2:3:"), "01:02:03:00"},
-        {1, W("1::"), "00:01:00:00"},
-        {1, W("1:02"), "00:00:01:02"},
-        {1, W("123456"), "00:12:35:26"},
-        {1, W("12345"), "00:01:24:15"},
-        {1, W("123"), "00:00:01:23"},
-        {1, W("1:234"), "00:01:03:04"},  // 1, 2, 34
-        {1, W("01:02:03;04"), "01:02:03:04"},
-        {1, W("  7 8 "), "00:00:07:08"},
-        {1, W("7.\t"), "00:00:07:00"},
-        {1, W("x1y2"), "00:00:01:02"},
-        {3, W("30"), "00:00:01:05"},
-        {4, W("24"), "00:00:01:00"},
-        {6, W("0:0:0:47"), "00:00:01:23"},
-        {2, W("00:01:00;00"), "00:01:00:00"},
-        {1, W("99:99:99:99"), "04:40:42:09"},
-        {0, W("99:59:59:99"), "03:59:59:99"},
-        {77, W("1:02:03:99"), "01:02:03:99"},
-        {1, W("1:2:3:4:5"), "01:02:03:04", W(' ')},
-        {1, W("1:2:3:4:"), "01:02:03:04", W(' ')},
-        {1, W("1:2:3:4 "), "01:02:03:04"},
-        {1, W("123456789"), "01:23:47:07", W(' ')},
-        {1, W(""), "00:00:00:00"},
-        {1, W("   "), "00:00:00:00"},
-        {1, W("none"), "00:00:00:00", W(' ')},
-        {1, nullptr, "00:00:00:00"},
-    };
-    for (const Row& row : kRows) {
+    for (const auto& row : kRows) {
         _smpteval label{row.format, 99, 99, 99, 99};
         const WCHAR rest = KTSMPTE_TextToSMPTE(row.text, &label);
         EXPECT_EQ(Text(label), row.label) << &row - kRows;
@@ -131,14 +114,11 @@ TEST(Smpte, ReadsText) {
 }
 
 TEST(Smpte, AddsAndSubtractsRoundTheDay) {
-    struct Row {
+    const struct {
         uint32_t format;
-        const WCHAR* a;
-        const WCHAR* b;
-        const char* sum;
-        const char* difference;
-    };
-    const Row kRows[] = {
+        const WCHAR *a, *b;
+        const char *sum, *difference;
+    } kRows[] = {
         {1, W("01:00:00:00"), W("00:00:00:01"), "01:00:00:01", "00:59:59:29"},
         {1, W("00:00:00:00"), W("00:00:00:01"), "00:00:00:01", "23:59:59:29"},
         {1, W("12:00:00:00"), W("12:00:00:00"), "00:00:00:00", "00:00:00:00"},
@@ -149,7 +129,7 @@ TEST(Smpte, AddsAndSubtractsRoundTheDay) {
         {4, W("00:00:01:00"), W("00:00:02:00"), "00:00:03:00", "23:59:59:00"},
         {6, W("23:00:00:00"), W("02:00:00:00"), "01:00:00:00", "21:00:00:00"},
     };
-    for (const Row& row : kRows) {
+    for (const auto& row : kRows) {
         _smpteval a{row.format, 0, 0, 0, 0}, b = a;
         KTSMPTE_TextToSMPTE(row.a, &a);
         KTSMPTE_TextToSMPTE(row.b, &b);
@@ -186,12 +166,10 @@ TEST(Smpte, ComparesLabelsWhateverTheirFormats) {
 }
 
 TEST(Smpte, StepsFromLabelsThatDoNotExist) {
-    struct Row {
+    const struct {
         _smpteval label;
-        const char* next;
-        const char* previous;
-    };
-    const Row kRows[] = {
+        const char *next, *previous;
+    } kRows[] = {
         {{2, 0, 1, 0, 0}, "00:01:00:01", "00:00:59:29"},
         {{2, 0, 1, 0, 1}, "00:01:00:02", "00:00:59:29"},
         {{1, 0, 0, 0, 200}, "00:00:01:00", "00:00:00:199"},
@@ -203,7 +181,7 @@ TEST(Smpte, StepsFromLabelsThatDoNotExist) {
          "4294967295:4294967295:4294967295:00",
          "4294967295:4294967295:4294967295:4294967294"},
     };
-    for (const Row& row : kRows) {
+    for (const auto& row : kRows) {
         _smpteval next = row.label, previous = row.label;
         KTSMPTE_IncrementByFrame(&next);
         KTSMPTE_DeccrementByFrame(&previous, 7);
@@ -225,20 +203,16 @@ TEST(Smpte, KnowsNoOtherFormats) {
 }
 
 TEST(Smpte, TimesBeyondTheDayGoRoundIt) {
-    struct Row {
+    const struct {
         int64_t time;
         uint32_t format;
         const char* label;
+    } kRows[] = {
+        {-10, 1, "23:59:59:29"},           {-1, 1, "00:00:00:00"},  // rounding may have taken that much
+        {-10000000, 1, "23:59:59:00"},     {864000000000LL * 10 + 400000, 3, "00:00:00:01"},
+        {-864000000000, 3, "00:00:00:00"}, {864000000000LL * 100 - 400000, 3, "23:59:59:24"},
     };
-    const Row kRows[] = {
-        {-1, 1, "00:00:00:00"},  // rounding may have taken that much
-        {-10, 1, "23:59:59:29"},
-        {-10000000, 1, "23:59:59:00"},
-        {-864000000000, 3, "00:00:00:00"},
-        {864000000000LL * 10 + 400000, 3, "00:00:00:01"},
-        {864000000000LL * 100 - 400000, 3, "23:59:59:24"},
-    };
-    for (const Row& row : kRows) {
+    for (const auto& row : kRows) {
         _smpteval label{row.format, 0, 0, 0, 0};
         KTSMPTE_NanoToSMPTE(row.time, &label);
         EXPECT_EQ(Text(label), row.label);
@@ -255,20 +229,19 @@ TEST(Smpte, TimesBeyondTheDayGoRoundIt) {
 }
 
 TEST(Smpte, CountsPlainNumbersAtAnyRate) {
-    struct Row {
+    const double kNoNumber = std::numeric_limits<double>::quiet_NaN();
+    const double kInfinite = std::numeric_limits<double>::infinity();
+    const struct {
         double rate;
         _smpteval value;
         int64_t time;
-    };
-    const double kNoNumber = std::numeric_limits<double>::quiet_NaN();
-    const double kInfinite = std::numeric_limits<double>::infinity();
-    const Row kRows[] = {
+    } kRows[] = {
         {24, {2, 0, 1, 0, 0}, 600000000},       {24, {0, 1, 0, 0, 12}, 36005000000}, {24, {0, 0, 0, 0, 1}, 416667},
         {48, {0, 0, 0, 0, 47}, 9791667},        {0, {0, 0, 0, 1, 5}, 10000000},      {-24, {0, 0, 0, 1, 5}, 10000000},
         {kNoNumber, {0, 0, 0, 1, 5}, 10000000}, {kInfinite, {0, 0, 0, 1, 5}, 0},  // not a number times anything
         {1e-300, {0, 0, 0, 0, 5}, kMost64},
     };
-    for (const Row& row : kRows) {
+    for (const auto& row : kRows) {
         const int64_t time = KTSMPTE_SmpteLikeToNanos(row.rate, &row.value);
         EXPECT_EQ(time, row.time) << row.rate;
     }
@@ -293,29 +266,22 @@ TEST(Smpte, DoesNothingWithNull) {
 }
 
 TEST(ClockTime, SplitsATimeAndPutsItTogether) {
-    struct Row {
+    const struct {
         int64_t time;
         double rate;
         int32_t keep_days;
         const char* clock;
         int64_t back;
-    };
-    const Row kRows[] = {
-        {0, 24, 0, "00:00:00:00", 0},
-        {36005000000, 24, 0, "01:00:00:12", 36005000000},
-        {599800000, 25, 0, "00:01:00:00", 600000000},  // the nearest frame is the next second's first
-        {599799999, 25, 0, "00:00:59:24", 599600000},
-        {9995000, 1000, 0, "00:00:01:00", 10000000},
-        {9994999, 1000, 0, "00:00:00:999", 9990000},
-        {864000000000 + 10000000, 24, 0, "00:00:01:00", 10000000},
-        {864000000000 + 10000000, 24, 1, "24:00:01:00", 864010000000},
-        {-10000000, 24, 0, "00:00:00:00", 0},
-        {15000000, 0, 0, "00:00:01:00", 10000000},
+    } kRows[] = {
+        {599800000, 25, 0, "00:01:00:00", 600000000}, {0, 24, 0, "00:00:00:00", 0},
+        {599799999, 25, 0, "00:00:59:24", 599600000}, {36005000000, 24, 0, "01:00:00:12", 36005000000},
+        {9995000, 1000, 0, "00:00:01:00", 10000000},  {864010000000, 24, 0, "00:00:01:00", 10000000},
+        {9994999, 1000, 0, "00:00:00:999", 9990000},  {864010000000, 24, 1, "24:00:01:00", 864010000000},
+        {-10000000, 24, 0, "00:00:00:00", 0},         {15000000, 0.001, 0, "00:00:01:00", 10000000},
+        {15000000, 0, 0, "00:00:01:00", 10000000},    {15000000, 29.97, 0, "00:00:01:15", 15005005},
         {15000000, -24, 0, "00:00:01:00", 10000000},
-        {15000000, 0.001, 0, "00:00:01:00", 10000000},
-        {15000000, 29.97, 0, "00:00:01:15", 15005005},
     };
-    for (const Row& row : kRows) {
+    for (const auto& row : kRows) {
         _smpteval clock{0, 9, 9, 9, 9};
         KtNanoTimeToHMSF(row.time, &clock, row.rate, row.keep_days);
         EXPECT_EQ(Text(clock), row.clock) << row.time;

@@ -26,14 +26,13 @@ TEST(TextTools, ReplaceAndTrim) {
     EXPECT_EQ(KtStringReplaceChars(text, W('b'), 0), 2);
     EXPECT_EQ(KtStringReplaceChars(nullptr, W('b'), 0), 0);
 
-    struct Row {
+    const struct {
         const WCHAR* text;
         const char* trimmed;
-    };
-    const Row rows[] = {
+    } rows[] = {
         {W(""), ""},         {W("  "), ""}, {W("\t a b\r\n"), "a b"}, {W("abc"), "abc"}, {W("\u3000x\u00A0"), "x"},
         {W(" \u2028y"), "y"}};
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         WCHAR copy[20] = {};
         WStringView(row.text).copy(copy, 19);
         const int32_t length = KtStripWhiteSpace(copy);
@@ -91,33 +90,20 @@ TEST(TextTools, Codes) {
 TEST(ColorText, IsReadInEachForm) {
     const InLocale locale(0x0409);
     constexpr uint32_t kBad = kKtUnreadableColor;
-    struct Row {
+    const struct {
         const WCHAR* text;
         uint32_t color;
         int stopped;
-    };
-    const Row rows[] = {
-        {W("#ff0010"), 0x1000FF, 7},
-        {W("RGB(255, 0, 16)"), 0x1000FF, 15},
-        {W("  rGb ( 255 x, 0 , 16 ) "), 0x1000FF, 23},
-        {W("RGB(300,0,0)"), kBad, 7},
-        {W("RGB(1,2)"), kBad, 8},
-        {W("RGB(1,2,3"), kBad, 9},
-        {W("RGB(1,,3)"), kBad, 6},
-        {W("RGB 1,2,3"), kBad, 4},
-        {W("RGB"), kBad, 3},
-        {W("16"), 16, 2},
-        {W("0xFF"), 255, 4},
-        {W("0XfFfF00 "), 0xFFFF00, 8},
-        {W("4294967295"), kBad, 10},
-        {W("#1000000"), kBad, 8},
-        {W("#10000000000000000"), kBad, 18},
-        {W("#"), kBad, 1},
-        {W("#0"), 0, 2},
-        {W("abc"), 0, 0},
+    } rows[] = {
+        {W("RGB"), kBad, 3}, {W("#ff0010"), 0x1000FF, 7}, {W("RGB(255, 0, 16)"), 0x1000FF, 15},
+        {W("16"), 16, 2},    {W("RGB(1,2)"), kBad, 8},    {W("  rGb ( 255 x, 0 , 16 ) "), 0x1000FF, 23},
+        {W("0xFF"), 255, 4}, {W("RGB(1,2,3"), kBad, 9},   {W("RGB(300,0,0)"), kBad, 7},
+        {W("#"), kBad, 1},   {W("RGB(1,,3)"), kBad, 6},   {W("0XfFfF00 "), 0xFFFF00, 8},
+        {W("#0"), 0, 2},     {W("RGB 1,2,3"), kBad, 4},   {W("4294967295"), kBad, 10},
+        {W("abc"), 0, 0},    {W("#1000000"), kBad, 8},    {W("#10000000000000000"), kBad, 18},
         {W(""), 0, 0},
     };
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         SCOPED_TRACE(Utf8(row.text));
         const WCHAR* end = nullptr;
         EXPECT_EQ(KtTextToColorrefToken(row.text, &end), row.color);
@@ -129,20 +115,15 @@ TEST(ColorText, IsReadInEachForm) {
 }
 
 TEST(ColorText, IsWrittenInEachForm) {
-    struct Row {
+    const struct {
         uint32_t color;
         int32_t mode;
         const char* text;
+    } rows[] = {
+        {0, 0, "RGB(0,0,0)"}, {0x1000FF, 1, "#ff0010"}, {0x2000000, 0, "0x02000000"}, {0x1000FF, 0, "RGB(255,0,16)"},
+        {0, 1, "#000000"},    {0, 2, "0x00000000"},     {0x1000FF, 2, "0x001000ff"},  {0xFFFFFFFF, 1, "0xffffffff"},
     };
-    const Row rows[] = {{0x1000FF, 1, "#ff0010"},
-                        {0x1000FF, 0, "RGB(255,0,16)"},
-                        {0x2000000, 0, "0x02000000"},
-                        {0, 0, "RGB(0,0,0)"},
-                        {0, 1, "#000000"},
-                        {0, 2, "0x00000000"},
-                        {0x1000FF, 2, "0x001000ff"},
-                        {0xFFFFFFFF, 1, "0xffffffff"}};
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         const std::string expected = row.text;
         WCHAR text[20];
         uint32_t length = 0;
@@ -166,7 +147,7 @@ TEST(ColorText, IsWrittenInEachForm) {
 
 TEST(LevelText, HasDecimalsAFloorAndALabel) {
     const InLocale locale(0x0409);
-    if (!locale.IsSet()) return;
+    if (!locale.IsSet()) GTEST_SKIP() << locale.Lack();
     EXPECT_EQ(Utf8(KtGetLabeledStringFixed(-600, 1, -600, W(" dB"))), "-Inf.");
     EXPECT_EQ(Utf8(KtGetLabeledStringFixed(-600, 1, 0, W(" dB"))), "-60.0 dB");
     EXPECT_EQ(Utf8(KtGetLabeledStringFixed(1234567, 0, 0, nullptr)), "1,234,567");
@@ -182,28 +163,17 @@ TEST(LevelText, HasDecimalsAFloorAndALabel) {
 
 TEST(ByteSizes, HaveThreeDigitsThatCount) {
     const InLocale locale(0x0409);
-    struct Row {
+    if (!locale.IsSet()) GTEST_SKIP() << locale.Lack();
+    const struct {
         int64_t size;
         const char* text;
+    } rows[] = {
+        {-5, "0 B"},        {999 * 1024 - 1, "998 KB"},     {0, "0 B"},         {999 * 1024, "0.97 MB"},
+        {998, "998 B"},     {int64_t{5} << 30, "5.00 GB"},  {999, "0.97 KB"},   {int64_t{20} << 40, "20.0 TB"},
+        {1536, "1.50 KB"},  {int64_t{3} << 50, "3.00 PB"},  {12900, "12.5 KB"}, {int64_t{2} << 60, "2.00 EB"},
+        {150000, "146 KB"}, {0x7000000000000000, "> 9 YB"},
     };
-    const Row rows[] = {
-        {-5, "0 B"},
-        {0, "0 B"},
-        {998, "998 B"},
-        {999, "0.97 KB"},
-        {1536, "1.50 KB"},
-        {12900, "12.5 KB"},
-        {150000, "146 KB"},
-        {999 * 1024 - 1, "998 KB"},
-        {999 * 1024, "0.97 MB"},
-        {int64_t{5} << 30, "5.00 GB"},
-        {int64_t{20} << 40, "20.0 TB"},
-        {int64_t{3} << 50, "3.00 PB"},
-        {int64_t{2} << 60, "2.00 EB"},
-        {0x7000000000000000, "> 9 YB"},
-    };
-    for (const Row& row : rows) {
-        if (!locale.IsSet()) continue;
+    for (const auto& row : rows) {
         WCHAR text[40];
         EXPECT_EQ(KtFormatFileSize(row.size, text, 40, 0), std::string_view(row.text).size());
         EXPECT_EQ(Utf8(text), row.text);
@@ -215,23 +185,32 @@ TEST(ByteSizes, HaveThreeDigitsThatCount) {
     EXPECT_EQ(text[0], 0);
 }
 
+TEST(ByteSizes, HaveTheLocalesDecimalMark) {
+    const InLocale locale(0x0407);
+    if (!locale.IsSet()) GTEST_SKIP() << locale.Lack();
+    const std::pair<int64_t, const char*> kRows[] = {
+        {998, "998 B"}, {999, "0,97 KB"}, {1536, "1,50 KB"}, {12900, "12,5 KB"}, {150000, "146 KB"}};
+    for (const auto& [size, expected] : kRows) {
+        WCHAR text[40];
+        EXPECT_EQ(KtFormatFileSize(size, text, 40, 0), std::string_view(expected).size());
+        EXPECT_EQ(Utf8(text), expected);
+    }
+}
+
 TEST(ByteSizes, HaveTwoDecimals) {
     const InLocale locale(0x0409);
-    struct Row {
+    if (!locale.IsSet()) GTEST_SKIP() << locale.Lack();
+    const struct {
         int64_t size;
-        const char* close;
-        const char* words;
-        const char* spaced;
-    };
-    const Row rows[] = {
+        const char *close, *words, *spaced;
+    } rows[] = {
         {1023, "1023", "1023 bytes", "1023"},
         {1536, "1.50KB", "1.50 KB", "1.50 KB"},
         {1'023'999, "1,000.00KB", "1,000.00 KB", "1,000.00 KB"},
         {1'024'000, "1.00MB", "1.00 MB", "1.00 MB"},
         {2'560'000'000, "2.50GB", "2.50 GB", "2.50 GB"},
     };
-    for (const Row& row : rows) {
-        if (!locale.IsSet()) continue;
+    for (const auto& row : rows) {
         WCHAR text[64];
         EXPECT_EQ(KtGetByteSizeText(row.size, text), static_cast<int32_t>(std::string_view(row.close).size()));
         EXPECT_EQ(Utf8(text), row.close);
@@ -267,18 +246,14 @@ TEST(DiskSpace, IsCountedInUnitsAndNeedsARoot) {
 }
 
 TEST(ComposedText, HasNumberedPlaces) {
-    struct Row {
+    const struct {
         const WCHAR* format;
         const char* text;
+    } rows[] = {
+        {W("end%"), ""}, {W("%1 KB"), "one KB"}, {W("%2%1%2"), "twoonetwo"}, {W("a%n b\nc"), "a\r\n b\r\nc"},
+        {W(""), ""},     {W("ab%0cd"), "ab"},    {W("100%%%1"), "100%one"},
     };
-    const Row rows[] = {{W("%1 KB"), "one KB"},
-                        {W("%2%1%2"), "twoonetwo"},
-                        {W("100%%%1"), "100%one"},
-                        {W("a%n b\nc"), "a\r\n b\r\nc"},
-                        {W("ab%0cd"), "ab"},
-                        {W("end%"), ""},
-                        {W(""), ""}};
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         WCHAR text[40] = {W('~'), 0};
         EXPECT_EQ(KtComposeStr(text, 40, row.format, W("one"), W("two")), std::string_view(row.text).size());
         EXPECT_EQ(Utf8(text), row.text);
@@ -292,12 +267,11 @@ TEST(ComposedText, HasNumberedPlaces) {
 }
 
 TEST(StereoNames, AreMadeOfThePairsName) {
-    struct Row {
+    const struct {
         const char* name;
         const char* left;  // null: the name tells its side
         const char* right;
-    };
-    const Row rows[] = {
+    } rows[] = {
         {"Line 1/2", "Line 1", "Line 2"},
         {"Out 3-4 Main", "Out 3 Main", "Out 4 Main"},
         {"S/PDIF 1/2", "S/PDIF 1", "S/PDIF 2"},
@@ -318,7 +292,7 @@ TEST(StereoNames, AreMadeOfThePairsName) {
         {"18446744073709551615 18446744073709551616", "18446744073709551615 18446744073709551616 - Left",
          "18446744073709551615 18446744073709551616 - Right"},
     };
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
         const WString name = platform::Wide(row.name);
         WCHAR left[100] = {W('~'), 0};

@@ -13,75 +13,53 @@
 
 namespace {
 
-using support::InLocale;
-using support::Position;
+using namespace support;
 
-constexpr int64_t kSecond = 10000000;
-constexpr int64_t kHour = 3600 * kSecond;
-constexpr int64_t kMost64 = std::numeric_limits<int64_t>::max();
-constexpr int64_t kLeast64 = std::numeric_limits<int64_t>::min();
+constexpr uint32_t kShort = KTPOSTEXT_SHORT;
 
 std::string Name(const WCHAR* text) { return text ? platform::Utf8(text) : "null"; }
 
 TEST(TimeParse, ReadsEachFormat) {
     const InLocale locale(0x0409);
-    ASSERT_TRUE(locale.IsSet());
+    if (!locale.IsSet()) GTEST_SKIP() << locale.Lack();
     struct Row {
         int32_t format;
         const WCHAR* text;
         int64_t time;
         uint32_t flags = 0;
     };
-    const Row kRows[] = {
-        {KTPOSFMT_SAMPLES, W("14,400,000"), 300 * kSecond},
-        {KTPOSFMT_SAMPLES, W("1"), 208},
-        {KTPOSFMT_SAMPLES, W("-48000"), -kSecond},
-        {KTPOSFMT_SAMPLES, W("99999999999999999999"), 2305843009213693952},  // held
-        {KTPOSFMT_TIME, W("01:01:02.123"), kHour + 62 * kSecond + 1230000},
-        {KTPOSFMT_TIME, W("-1.5"), -15000000},
-        {KTPOSFMT_TIME, W("- .5"), -5000000},
-        {KTPOSFMT_TIME, W("  7 "), 7 * kSecond},
-        {KTPOSFMT_TIME, W("1:30"), 13000000},  // a second and a fraction
-        {KTPOSFMT_TIME, W("1:30"), 90 * kSecond, KTPOSTEXT_SHORT},
-        {KTPOSFMT_TIME, W("99999999999:0:0.0"), kMost64},
-        {KTPOSFMT_SECONDS, W("1,234.5"), 12345000000},
-        {KTPOSFMT_SECONDS, W("-0.25"), -2500000},
+    const Row kHeld[] = {
+        {KTPOSFMT_SAMPLES, W("99999999999999999999"), 2305843009213693952},
         {KTPOSFMT_SECONDS, W("999999999999999999"), 2305843009209999872},
         {KTPOSFMT_SECONDS, W("--999999999999999999"), 4611686018419999744},
-        {KTPOSFMT_TIME_FRAMES, W("01:00:00.12"), kHour + 5000000},
-        {KTPOSFMT_TIME_FRAMES, W("12"), 5000000},
-        {KTPOSFMT_TIME_FRAMES, W("12"), 12 * kSecond, KTPOSTEXT_SHORT},
-        {KTPOSFMT_FRAMES, W("1,200.5"), 500208333},
-        {KTPOSFMT_FRAMES, W("1"), 416667},
         {KTPOSFMT_FRAMES, W("9999999999999999"), 2305843009213333504},
-        {KTPOSFMT_MEASURES, W("2.1.480"), 22500000},
-        {KTPOSFMT_MEASURES, W("-2.1.480"), -22500000},
-        {KTPOSFMT_SMPTE_2997, W("01:00:00:00"), 36036000000},
-        {KTPOSFMT_SMPTE_30, W("1"), 333334},
-        {KTPOSFMT_SMPTE_DROP, W("00:01:00;02"), 600600000},
-        {KTPOSFMT_SMPTE_DROP, W("00:01:00;00"), 600600000},
-        {KTPOSFMT_SMPTE_DROP, W("-10000"), -600600000},
-        {KTPOSFMT_SMPTE_25, W("1:00"), kSecond},
-        {KTPOSFMT_SMPTE_24, W("1:00:00"), 60 * kSecond},
-        {KTPOSFMT_NANOS, W("-1,234,567"), -1234567},
-        {KTPOSFMT_MICROS, W("1,235"), 12350},
         {KTPOSFMT_MICROS, W("9,223,372,036,854,775,807"), kMost64},
-        {KTPOSFMT_MEASURES0, W("1.0.480"), 22500000},
-        {KTPOSFMT_BEATS, W("12"), 0},
-        {KTPOSFMT_FEET_16MM, W("1+8"), 2 * kSecond},
-        {KTPOSFMT_FEET_16MM, W("48"), 2 * kSecond},
-        {KTPOSFMT_FEET_35MM, W("1,500+1"), 1000 * kSecond + 416666},
-        {KTPOSFMT_FEET_35MM, W("12.5"), 82083333},  // 12 feet and 5 frames
-        {KTPOSFMT_FEET_35MM, W("3'"), 2 * kSecond},
-        {KTPOSFMT_FEET_35MM, W("3,"), 2 * kSecond},
-        {KTPOSFMT_FEET_35MM, W("3 feet"), 2 * kSecond},
-        {KTPOSFMT_CD, W("01:00:02:01"), kHour + 2 * kSecond + 133333},
-        {KTPOSFMT_SMPTE_23976, W("01:00:00:00"), 36036000000},
-        {KTPOSFMT_SHORT_TIME, W("0:05"), 0},
-        {20, W("5"), 0},
-        {-1, W("5"), 0},
     };
-    for (const Row& row : kRows) {
+    // Of a time alone the last part is a fraction of a second; of feet, frames.
+    const Row kRows[] = {
+        {KTPOSFMT_SAMPLES, W("-48000"), -kSecond},    {KTPOSFMT_SAMPLES, W("14,400,000"), 300 * kSecond},
+        {KTPOSFMT_TIME, W("-1.5"), -15000000},        {KTPOSFMT_SAMPLES, W("1"), 208},
+        {KTPOSFMT_TIME, W("- .5"), -5000000},         {KTPOSFMT_TIME, W("01:01:02.123"), 36621230000},
+        {KTPOSFMT_TIME, W("  7 "), 7 * kSecond},      {KTPOSFMT_TIME, W("1:30"), 90 * kSecond, kShort},
+        {KTPOSFMT_TIME, W("1:30"), 13000000},         {KTPOSFMT_TIME, W("99999999999:0:0.0"), kMost64},
+        {KTPOSFMT_SECONDS, W("-0.25"), -2500000},     {KTPOSFMT_SECONDS, W("1,234.5"), 12345000000},
+        {KTPOSFMT_TIME_FRAMES, W("12"), 5000000},     {KTPOSFMT_TIME_FRAMES, W("01:00:00.12"), kHour + 5000000},
+        {KTPOSFMT_FRAMES, W("1,200.5"), 500208333},   {KTPOSFMT_TIME_FRAMES, W("12"), 12 * kSecond, kShort},
+        {KTPOSFMT_MEASURES, W("2.1.480"), 22500000},  {KTPOSFMT_FRAMES, W("1"), 416667},
+        {KTPOSFMT_SMPTE_30, W("1"), 333334},          {KTPOSFMT_MEASURES, W("-2.1.480"), -22500000},
+        {KTPOSFMT_SMPTE_25, W("1:00"), kSecond},      {KTPOSFMT_SMPTE_2997, W("01:00:00:00"), 36036000000},
+        {KTPOSFMT_NANOS, W("-1,234,567"), -1234567},  {KTPOSFMT_SMPTE_DROP, W("00:01:00;02"), 600600000},
+        {KTPOSFMT_MICROS, W("1,235"), 12350},         {KTPOSFMT_SMPTE_DROP, W("00:01:00;00"), 600600000},
+        {KTPOSFMT_MEASURES0, W("1.0.480"), 22500000}, {KTPOSFMT_SMPTE_DROP, W("-10000"), -600600000},
+        {KTPOSFMT_FEET_16MM, W("1+8"), 2 * kSecond},  {KTPOSFMT_SMPTE_24, W("1:00:00"), 60 * kSecond},
+        {KTPOSFMT_FEET_16MM, W("48"), 2 * kSecond},   {KTPOSFMT_BEATS, W("12"), 0},
+        {KTPOSFMT_FEET_35MM, W("12.5"), 82083333},    {KTPOSFMT_FEET_35MM, W("1,500+1"), 10000416666},
+        {KTPOSFMT_FEET_35MM, W("3'"), 2 * kSecond},   {KTPOSFMT_FEET_35MM, W("3 feet"), 2 * kSecond},
+        {KTPOSFMT_FEET_35MM, W("3,"), 2 * kSecond},   {KTPOSFMT_SMPTE_23976, W("01:00:00:00"), 36036000000},
+        {KTPOSFMT_CD, W("01:00:02:01"), 36020133333}, {20, W("5"), 0},
+        {KTPOSFMT_SHORT_TIME, W("0:05"), 0},          {-1, W("5"), 0},
+    };
+    const auto check = [](const Row& row) {
         _ktposfmt format = Position(row.format);
         EXPECT_EQ(KtTextToNanoTimeToken2(row.text, &format, 1, 2, 3, row.flags, nullptr), row.time) << Name(row.text);
         format.offset = 77;
@@ -92,57 +70,40 @@ TEST(TimeParse, ReadsEachFormat) {
         const int64_t moved = row.time == kMost64 ? kMost64 : row.time + format.offset;
         EXPECT_EQ(KtTextToNanoTimeToken(row.text, &format, row.flags == KTPOSTEXT_SHORT, nullptr), moved)
             << Name(row.text);
-    }
+    };
+    for (const Row& row : kHeld) check(row);
+    for (const Row& row : kRows) check(row);
 }
 
 TEST(TimeParse, HoldsToDefaultAndLimits) {
     const InLocale locale(0x0409);
-    struct Row {
-        int32_t format;
-        const WCHAR* text;
-        int64_t offset;
-        int64_t time;
-        const WCHAR* rest;
-    };
     // The default is 700, the limits 100 and 5 seconds.
     constexpr int64_t kMost = 5 * kSecond;
-    const Row kRows[] = {
-        {KTPOSFMT_NANOS, W("200"), 0, 200, W("")},
-        {KTPOSFMT_NANOS, W("20"), 0, 100, W("")},
-        {KTPOSFMT_NANOS, W("200 x"), 0, 200, W(" x")},
-        {KTPOSFMT_NANOS, W("x"), 0, 700, W("x")},
-        {KTPOSFMT_NANOS, W("0x"), 0, 700, W("x")},
-        {KTPOSFMT_NANOS, W("0 x"), 0, 100, W(" x")},
-        {KTPOSFMT_NANOS, W("-x"), 50, 700, W("x")},
-        {KTPOSFMT_NANOS, W(""), 0, 700, W("")},
-        {KTPOSFMT_NANOS, W("  "), 0, 700, W("")},
-        {KTPOSFMT_NANOS, W(" - "), 0, 100, W("")},  // not empty behind the sign
-        {KTPOSFMT_NANOS, W(""), 50, 750, W("")},
-        {KTPOSFMT_NANOS, W("200"), 50, 250, W("")},
-        {KTPOSFMT_NANOS, W("0"), 150, 150, W("")},
-        {KTPOSFMT_NANOS, W("-200"), 0, 100, W("")},
-        {KTPOSFMT_NANOS, nullptr, 0, 700, W("")},
-        {KTPOSFMT_SECONDS, W("6"), 0, kMost, W("")},
-        {KTPOSFMT_SECONDS, W("1.5s"), 0, 15000000, W("s")},
-        {KTPOSFMT_SECONDS, W("soon"), 0, 700, W("soon")},
-        {KTPOSFMT_FRAMES, W("one"), 0, 700, W("one")},
-        {KTPOSFMT_SAMPLES, W("one"), 0, 700, W("one")},
-        {KTPOSFMT_TIME, W("1.5"), 0, 15000000, W("")},
-        {KTPOSFMT_TIME, W("now"), 0, 700, W("now")},
-        {KTPOSFMT_TIME, W("0:0:0:0:1"), 0, 700, W(":1")},
-        {KTPOSFMT_TIME, W("0:0:0:0 1"), 0, 100, W(" 1")},
-        {KTPOSFMT_TIME_FRAMES, W("now"), 0, 700, W("now")},
-        {KTPOSFMT_TIME_FRAMES, W("12"), 0, 5000000, W("")},
-        {KTPOSFMT_MEASURES, W("1.1.0"), 0, 100, W("")},
-        {KTPOSFMT_MEASURES, W("one"), 0, 700, W("one")},
-        {KTPOSFMT_SMPTE_DROP, W("now"), 9, 700, W("now")},
-        {KTPOSFMT_SMPTE_24, W("0"), 0, 100, W("")},
-        {KTPOSFMT_SMPTE_24, W("1:00"), 0, kSecond, W("")},
-        {KTPOSFMT_CD, W("now"), 0, 700, W("now")},
-        {KTPOSFMT_FEET_16MM, W("now"), 0, 700, W("now")},
-        {KTPOSFMT_BEATS, W("5"), 0, 100, W("")},
+    const struct {
+        int32_t format;
+        const WCHAR* text;
+        int64_t offset, time;
+        const WCHAR* rest;
+    } kRows[] = {
+        {KTPOSFMT_NANOS, W("200"), 0, 200, W("")},   {KTPOSFMT_NANOS, W("200 x"), 0, 200, W(" x")},
+        {KTPOSFMT_NANOS, W("20"), 0, 100, W("")},    {KTPOSFMT_SECONDS, W("1.5s"), 0, 15000000, W("s")},
+        {KTPOSFMT_SECONDS, W("6"), 0, kMost, W("")}, {KTPOSFMT_SECONDS, W("soon"), 0, 700, W("soon")},
+        {KTPOSFMT_NANOS, W("x"), 0, 700, W("x")},    {KTPOSFMT_NANOS, W("0 x"), 0, 100, W(" x")},
+        {KTPOSFMT_NANOS, W("0x"), 0, 700, W("x")},   {KTPOSFMT_FRAMES, W("one"), 0, 700, W("one")},
+        {KTPOSFMT_NANOS, W("-x"), 50, 700, W("x")},  {KTPOSFMT_SAMPLES, W("one"), 0, 700, W("one")},
+        {KTPOSFMT_NANOS, W(""), 0, 700, W("")},      {KTPOSFMT_TIME, W("1.5"), 0, 15000000, W("")},
+        {KTPOSFMT_NANOS, W("  "), 0, 700, W("")},    {KTPOSFMT_TIME, W("now"), 0, 700, W("now")},
+        {KTPOSFMT_NANOS, W(" - "), 0, 100, W("")},   {KTPOSFMT_TIME, W("0:0:0:0:1"), 0, 700, W(":1")},
+        {KTPOSFMT_NANOS, W(""), 50, 750, W("")},     {KTPOSFMT_TIME, W("0:0:0:0 1"), 0, 100, W(" 1")},
+        {KTPOSFMT_NANOS, W("200"), 50, 250, W("")},  {KTPOSFMT_TIME_FRAMES, W("now"), 0, 700, W("now")},
+        {KTPOSFMT_NANOS, W("0"), 150, 150, W("")},   {KTPOSFMT_TIME_FRAMES, W("12"), 0, 5000000, W("")},
+        {KTPOSFMT_NANOS, W("-200"), 0, 100, W("")},  {KTPOSFMT_MEASURES, W("1.1.0"), 0, 100, W("")},
+        {KTPOSFMT_NANOS, nullptr, 0, 700, W("")},    {KTPOSFMT_MEASURES, W("one"), 0, 700, W("one")},
+        {KTPOSFMT_SMPTE_24, W("0"), 0, 100, W("")},  {KTPOSFMT_SMPTE_DROP, W("now"), 9, 700, W("now")},
+        {KTPOSFMT_CD, W("now"), 0, 700, W("now")},   {KTPOSFMT_SMPTE_24, W("1:00"), 0, kSecond, W("")},
+        {KTPOSFMT_BEATS, W("5"), 0, 100, W("")},     {KTPOSFMT_FEET_16MM, W("now"), 0, 700, W("now")},
     };
-    for (const Row& row : kRows) {
+    for (const auto& row : kRows) {
         _ktposfmt format = Position(row.format);
         format.offset = row.offset;
         const WCHAR* end = nullptr;
@@ -159,13 +120,11 @@ TEST(TimeParse, HoldsToDefaultAndLimits) {
 }
 
 TEST(TimeParse, ReadsMilliseconds) {
-    struct Row {
+    const struct {
         const WCHAR* text;
-        int64_t full;
-        int64_t short_form;
+        int64_t full, short_form;
         std::size_t full_end;
-    };
-    const Row kRows[] = {
+    } kRows[] = {
         {W("5"), 5000, 5000, 1},
         {W(" 5"), 500, 5000, 2},
         {W(".25"), 250, 25000, 3},
@@ -184,7 +143,7 @@ TEST(TimeParse, ReadsMilliseconds) {
         {W("now"), 0, 0, 0},
         {W("12345678901234567890123456789012"), 2147483647200, 60 * 2147483647000 + 2000, 32},
     };
-    for (const Row& row : kRows) {
+    for (const auto& row : kRows) {
         const WCHAR* end = nullptr;
         EXPECT_EQ(KtTextToTimeToken(row.text, nullptr, 0, &end), row.full) << Name(row.text);
         EXPECT_EQ(static_cast<std::size_t>(end - row.text), row.full_end) << Name(row.text);
@@ -230,34 +189,25 @@ struct Agreement {
 TEST(TimeParse, AgreesWithWhatIsShown) {
     constexpr int64_t kDay = 24 * kHour;
     const Agreement kRows[] = {
-        {KTPOSFMT_SAMPLES, 1 / 48000.0, 1000 * kDay},
-        {KTPOSFMT_TIME, 0.001, 863999000000},
-        {KTPOSFMT_TIME, 1, 863999000000, KTPOSTEXT_SHORT},
-        {KTPOSFMT_SECONDS, 0.001, 1000 * kDay},
-        {KTPOSFMT_SECONDS, 1, 1000 * kDay, KTPOSTEXT_SHORT},
-        {KTPOSFMT_TIME_FRAMES, 1 / 24.0, 1000 * kDay},
-        {KTPOSFMT_TIME_FRAMES, 1, 1000 * kDay, KTPOSTEXT_SHORT},
-        {KTPOSFMT_FRAMES, 0.001 / 24, 1000 * kDay},
-        {KTPOSFMT_FRAMES, 1 / 24.0, 1000 * kDay, KTPOSTEXT_SHORT},
-        {KTPOSFMT_MEASURES, 0.5 / 960, 900 * 20000000LL},  // below a thousand there are no groups
-        {KTPOSFMT_MEASURES, 0.5, 900 * 20000000LL, KTPOSTEXT_SHORT},
-        {KTPOSFMT_SMPTE_2997, 1.001 / 30, kDay},
-        {KTPOSFMT_SMPTE_30, 1 / 30.0, kDay - kSecond},
-        {KTPOSFMT_SMPTE_DROP, 1.001 / 30, kDay - kSecond},
-        {KTPOSFMT_SMPTE_25, 1 / 25.0, kDay - kSecond},
-        {KTPOSFMT_SMPTE_24, 1 / 24.0, kDay - kSecond},
-        {KTPOSFMT_NANOS, 1e-7, kMost64},
-        {KTPOSFMT_MICROS, 1e-6, kMost64 / 2},
-        {KTPOSFMT_MEASURES0, 0.5 / 960, 900 * 20000000LL},
-        {KTPOSFMT_FEET_16MM, 1 / 24.0, 1000 * kDay},
-        {KTPOSFMT_FEET_35MM, 1 / 24.0, 1000 * kDay},
-        {KTPOSFMT_CD, 1 / 75.0, kDay - kSecond},
+        {KTPOSFMT_TIME, 0.001, 863999000000},        {KTPOSFMT_SAMPLES, 1 / 48000.0, 1000 * kDay},
+        {KTPOSFMT_TIME, 1, 863999000000, kShort},    {KTPOSFMT_TIME_FRAMES, 1 / 24.0, 1000 * kDay},
+        {KTPOSFMT_SECONDS, 0.001, 1000 * kDay},      {KTPOSFMT_TIME_FRAMES, 1, 1000 * kDay, kShort},
+        {KTPOSFMT_SECONDS, 1, 1000 * kDay, kShort},  {KTPOSFMT_FRAMES, 1 / 24.0, 1000 * kDay, kShort},
+        {KTPOSFMT_FRAMES, 0.001 / 24, 1000 * kDay},  {KTPOSFMT_MEASURES, 0.5, 18000000000, kShort},
+        {KTPOSFMT_MEASURES, 0.5 / 960, 18000000000}, {KTPOSFMT_SMPTE_30, 1 / 30.0, kDay - kSecond},
+        {KTPOSFMT_SMPTE_2997, 1.001 / 30, kDay},     {KTPOSFMT_SMPTE_DROP, 1.001 / 30, kDay - kSecond},
+        {KTPOSFMT_MICROS, 1e-6, kMost64 / 2},        {KTPOSFMT_SMPTE_25, 1 / 25.0, kDay - kSecond},
+        {KTPOSFMT_FEET_16MM, 1 / 24.0, 1000 * kDay}, {KTPOSFMT_SMPTE_24, 1 / 24.0, kDay - kSecond},
+        {KTPOSFMT_FEET_35MM, 1 / 24.0, 1000 * kDay}, {KTPOSFMT_NANOS, 1e-7, kMost64},
+        {KTPOSFMT_CD, 1 / 75.0, kDay - kSecond},     {KTPOSFMT_MEASURES0, 0.5 / 960, 18000000000},
         {KTPOSFMT_SMPTE_23976, 1.001 / 24, kDay},
     };
     std::mt19937_64 random(20);
+    int in_their_locale = 0;
     for (const LCID lcid : {0x0409u, 0x0407u, 0x040Cu, 0x041Fu}) {
         const InLocale locale(lcid);
         if (!locale.IsSet()) continue;
+        ++in_their_locale;
         for (const Agreement& row : kRows) {
             int shown = 0;
             std::uniform_int_distribution<int64_t> times(-row.most, row.most);
@@ -279,6 +229,7 @@ TEST(TimeParse, AgreesWithWhatIsShown) {
             }
         }
     }
+    if (in_their_locale == 0) GTEST_SKIP() << "needs a user of one of these locales";
 }
 
 }  // namespace

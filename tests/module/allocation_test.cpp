@@ -1,5 +1,6 @@
 // What a frame costs in memory, once the first ones have been read.
 #include "support/temp_file.h"
+#include "support/whole_file.h"
 #include "tests/module/allocation_counter.h"
 #include "tests/reader/reader_scene.h"
 
@@ -40,13 +41,7 @@ TEST_F(SteadyState, FrameTakesNoMemoryBeyondOpeningItsSettings) {
         }
     };
     for (const bool has_settings : {false, true}) {
-        if (has_settings) {
-            const platform::ScopedHandle made(
-                ::CreateFileW(settings.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr));
-            constexpr char kText[] = "Tint=4|UserCurve[3]=0.5|ImageISO=800|";
-            DWORD written = 0;
-            ASSERT_TRUE(WriteFile(made.Get(), kText, sizeof kText - 1, &written, nullptr));
-        }
+        if (has_settings) support::WriteWhole(settings.c_str(), "Tint=4|UserCurve[3]=0.5|ImageISO=800|");
         read(0);
         const long of_looking = AllocationsOfLooking(settings.c_str());
         const long before = Allocations();

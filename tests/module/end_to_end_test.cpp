@@ -16,6 +16,7 @@
 #include "support/child_roles.h"
 #include "support/scoped_variable.h"
 #include "support/temp_file.h"
+#include "support/whole_file.h"
 #include "tests/reader/reader_scene.h"
 
 namespace reader_tests {
@@ -38,12 +39,11 @@ uint16_t StoredSample(uint64_t frame, std::size_t place) {
 int32_t StoredSound(std::size_t place) { return static_cast<int32_t>(static_cast<uint32_t>(place) * 2654435761u); }
 
 void WriteClip(const WCHAR* path) {
-    clipfio::decoder::ClipDescription description;
-    description.width = kWidth;
-    description.height = kHeight;
-    description.start_frame = 24 * 3600 + 12;  // 01:00:00:12
-    description.sample_rate = 48000;
-    description.channel_mask = 0x3;
+    const clipfio::decoder::ClipDescription description{.width = kWidth,
+                                                        .height = kHeight,
+                                                        .start_frame = 24 * 3600 + 12,  // 01:00:00:12
+                                                        .sample_rate = 48000,
+                                                        .channel_mask = 0x3};
     clipfio::decoder::ClipWriter writer;
     ASSERT_TRUE(writer.Open(path, description)) << writer.Error();
     std::vector<uint16_t> picture(kWidth * kHeight * 3);
@@ -188,29 +188,17 @@ TEST(EndToEnd, WholeClipComesBackAsItWasWritten) {
 TEST(EndToEnd, BrokenClipsGiveAnErrorOrThePartThatIsWhole) {
     const support::TempFile clip(".r3d");
     ASSERT_NO_FATAL_FAILURE(WriteClip(clip.Path()));
-    std::vector<uint8_t> whole;
-    {
-        const platform::ScopedHandle file(
-            ::CreateFileW(clip.Path(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr));
-        whole.resize(GetFileSize(file.Get(), nullptr));
-        DWORD read = 0;
-        ASSERT_TRUE(::ReadFile(file.Get(), whole.data(), static_cast<DWORD>(whole.size()), &read, nullptr));
-    }
-    const auto write = [&](const std::vector<uint8_t>& bytes) {
-        const platform::ScopedHandle file(
-            ::CreateFileW(clip.Path(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr));
-        DWORD written = 0;
-        WriteFile(file.Get(), bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr);
-    };
+    const std::string whole = support::ReadWhole(clip.Path());
+    const auto write = [&](const std::string& bytes) { support::WriteWhole(clip.Path(), bytes); };
     Reader reader;
     const std::string good = reader.Report(clip.Path());
     const std::string refused = " 80004005";
 
-    EXPECT_EQ(reader.Report(W("/no such folder/clip.r3d")), refused + refused);
-    EXPECT_EQ(reader.Report(W("/")), refused + refused);
-    EXPECT_EQ(reader.Report(W("/dev/null")), refused + refused);
+    for (const WCHAR* const path : {W("/no such folder/clip.r3d"), W("/"), W("/dev/null")}) {
+        EXPECT_EQ(reader.Report(path), refused + refused) << platform::Utf8(path);
+    }
     for (const std::size_t size : {std::size_t{0}, std::size_t{7}, std::size_t{8}, std::size_t{511}}) {
-        write({whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(size)});
+        write(whole.substr(0, size));
         EXPECT_EQ(reader.Report(clip.Path()), (size < 8 ? refused : " 0") + refused) << size;
     }
     // Either the clip is refused or everything is answered for, each thing in its own way.
@@ -219,12 +207,12 @@ TEST(EndToEnd, BrokenClipsGiveAnErrorOrThePartThatIsWhole) {
         return report == " 0" + refused || report == refused + refused || fields(report) >= fields(good) - 16;
     };
     for (std::size_t size = 512; size < whole.size(); size += 1009) {
-        write({whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(size)});
+        write(whole.substr(0, size));
         EXPECT_TRUE(is_answer(reader.Report(clip.Path()))) << size;
     }
     for (std::size_t at = 0; at < 512; at += 5) {
-        std::vector<uint8_t> flipped = whole;
-        flipped[at] ^= static_cast<uint8_t>(1u << (at % 8));
+        std::string flipped = whole;
+        flipped[at] = static_cast<char>(flipped[at] ^ 1 << at % 8);
         write(flipped);
         const std::string report = reader.Report(clip.Path());
         EXPECT_TRUE(is_answer(report)) << at;

@@ -9,6 +9,7 @@
 #include <new>
 
 #include "tests/module/shared_memory_roles.h"
+#include "tests/reader/reader_scene.h"
 
 namespace reader_tests {
 namespace {
@@ -24,13 +25,7 @@ std::ptrdiff_t OpenFiles() {
     return none ? 0 : std::distance(begin(folder), end(folder));
 }
 
-_ktmemorytoken OwnToken(std::vector<uint8_t>& memory) {
-    _ktmemorytoken token = {};
-    token.address = reinterpret_cast<uintptr_t>(memory.data());
-    token.size = static_cast<uint32_t>(memory.size());
-    token.processId = GetCurrentProcessId();
-    return token;
-}
+_ktmemorytoken OwnToken(std::vector<uint8_t>& memory) { return TokenOf(memory.data(), memory.size()); }
 
 // Memory of this process whose address does not fit in 32 bits, wherever the heap lies.
 class HighMemory {
@@ -40,13 +35,7 @@ class HighMemory {
         if (view_) bytes_ = reinterpret_cast<uint8_t*>(std::max(address, uint64_t{1} << 32));
     }
     [[nodiscard]] uint8_t* Bytes() const { return bytes_; }
-    [[nodiscard]] _ktmemorytoken Token() const {
-        _ktmemorytoken token = {};
-        token.address = reinterpret_cast<uintptr_t>(bytes_);
-        token.size = kBytes;
-        token.processId = GetCurrentProcessId();
-        return token;
-    }
+    [[nodiscard]] _ktmemorytoken Token() const { return TokenOf(bytes_, kBytes); }
     void Fill(uint8_t value) const { std::fill_n(bytes_, kBytes, value); }
     [[nodiscard]] std::vector<uint8_t> Content() const { return {bytes_, bytes_ + kBytes}; }
 
@@ -74,9 +63,7 @@ TEST(MemoryToken, OfThisProcessIsUsedInPlace) {
     for (const uint32_t type : {0u, 1u, 2u}) {
         for (const int32_t offset : {0, 20, -20}) {
             _ktmemorytoken token = OwnToken(memory);
-            token.address += 50;
-            token.offset = offset;
-            token.type = type;
+            token.address += 50, token.offset = offset, token.type = type;
             CMappingOfKtMemoryToken mapping(token, kKtTokenWrite);
             EXPECT_EQ(mapping.Pointer(), memory.data() + 50 + offset);
             EXPECT_EQ(mapping.DataSize(), static_cast<int32_t>(kBytes));
@@ -92,16 +79,14 @@ TEST(MemoryToken, OfThisProcessIsUsedInPlace) {
 }
 
 TEST(MemoryToken, OfAnotherProcessCarriesBothWays) {
-    struct Row {
-        uint32_t type;
-        uint32_t access;
+    const struct {
+        uint32_t type, access;
         bool reads;   // the owner's data is there at first
         bool writes;  // the owner finds what was written
-    };
-    const Row kRows[] = {{0, 2, false, true}, {0, 4, true, false},   {0, 6, true, true},
-                         {0, 0, true, true},  {0, 0xF8, true, true}, {1, 2, true, true},
-                         {1, 6, true, true},  {1, 0, true, true},    {1, 4, true, false}};
-    for (const Row& row : kRows) {
+    } kRows[] = {{0, 2, false, true}, {0, 4, true, false},   {0, 6, true, true},
+                 {0, 0, true, true},  {0, 0xF8, true, true}, {1, 2, true, true},
+                 {1, 6, true, true},  {1, 0, true, true},    {1, 4, true, false}};
+    for (const auto& row : kRows) {
         SCOPED_TRACE(testing::Message() << row.type << " " << row.access);
         MemoryOwner owner(row.type, kBytes);
         const auto open_files = OpenFiles();
@@ -201,19 +186,16 @@ TEST(MemoryToken, AssignmentIsAPlainCopy) {
 
 TEST(OutOfProcessToken, HandsOnWhatCanBeReached) {
     std::vector<uint8_t> memory(kBytes);
-    struct Row {
+    const struct {
         uint32_t type;
         int32_t direct;
         uint64_t address;
         int32_t offset;
-    };
-    const Row kRows[] = {{1, 0, 0x7FFF00000000, 0}, {1, 1, 0, 0},         {0, 1, 0x7FFF00000000, 0}, {0, 0, 0x10000, 0},
-                         {0, 0, 0x100000001, -2},   {0, 0, 0xFFFFFFFF, 0}};
-    for (const Row& row : kRows) {
+    } kRows[] = {{1, 0, 0x7FFF00000000, 0}, {1, 1, 0, 0},         {0, 1, 0x7FFF00000000, 0}, {0, 0, 0x10000, 0},
+                 {0, 0, 0x100000001, -2},   {0, 0, 0xFFFFFFFF, 0}};
+    for (const auto& row : kRows) {
         _ktmemorytoken token = OwnToken(memory);
-        token.type = row.type;
-        token.address = row.address;
-        token.offset = row.offset;
+        token.type = row.type, token.address = row.address, token.offset = row.offset;
         token.mapping = reinterpret_cast<HANDLE>(uintptr_t{0x1234});
         _ktmemorytoken out = {};
         {

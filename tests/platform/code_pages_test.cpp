@@ -3,8 +3,11 @@
 #include <cstring>
 
 #include "platform/text.h"
+#include "support/last_error.h"
 
 namespace {
+
+using support::ErrorOf;
 
 struct ToWide {
     const char* name;
@@ -102,8 +105,7 @@ TEST(CodePages, BadArguments) {
     char bytes[4] = "abc";
     WCHAR wide[4] = {'a', 'b', 'c', 0};
     const auto check = [](int result) {
-        EXPECT_EQ(result, 0);
-        EXPECT_EQ(GetLastError(), ERROR_INVALID_PARAMETER);
+        EXPECT_EQ(ErrorOf(result), ERROR_INVALID_PARAMETER);
         SetLastError(0);
     };
     check(MultiByteToWideChar(CP_UTF8, 0, nullptr, 3, wide, 4));
@@ -115,17 +117,15 @@ TEST(CodePages, BadArguments) {
 }
 
 TEST(CodePages, Comparison) {
-    struct Row {
-        const WCHAR* a;
-        const WCHAR* b;
+    const struct {
+        const WCHAR *a, *b;
         int sign;
-    };
-    const Row rows[] = {
+    } rows[] = {
         {W(""), W(""), 0},    {W("abc"), W("abc"), 0},        {W("abc"), W("abd"), -1}, {W("ab"), W("abc"), -1},
         {W("a"), W("B"), -1}, {W("a"), W("A"), -1},           {W("aB"), W("Ab"), -1},   {W("Ab"), W("ac"), -1},
         {W("1"), W("a"), -1}, {W("\u00E9"), W("\u00C9"), -1}, {nullptr, W(""), -1},     {nullptr, nullptr, 0},
     };
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         EXPECT_EQ(lstrcmpW(row.a, row.b), row.sign);
         EXPECT_EQ(lstrcmpW(row.b, row.a), -row.sign);
     }

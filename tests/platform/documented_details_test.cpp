@@ -10,9 +10,12 @@
 #include "platform/text.h"
 #include "platform/window.h"
 #include "support/child_roles.h"
+#include "support/last_error.h"
 #include "support/temp_file.h"
 
 namespace {
+
+using support::ErrorOf;
 
 TEST(DocumentedDetails, Utf8TakesNoFlagsAndNoSubstitute) {
     constexpr DWORD kInvalidFlags = 1004;
@@ -20,12 +23,10 @@ TEST(DocumentedDetails, Utf8TakesNoFlagsAndNoSubstitute) {
     char bytes[4] = {};
     WCHAR wide[4] = {};
     BOOL substituted = FALSE;
-    EXPECT_EQ(MultiByteToWideChar(CP_UTF8, MB_PRECOMPOSED, "a", 1, wide, 4), 0);
-    EXPECT_EQ(GetLastError(), kInvalidFlags);
-    EXPECT_EQ(WideCharToMultiByte(CP_UTF8, kNoBestFit, W("a"), 1, bytes, 4, nullptr, nullptr), 0);
-    EXPECT_EQ(GetLastError(), kInvalidFlags);
-    EXPECT_EQ(WideCharToMultiByte(CP_UTF8, 0, W("a"), 1, bytes, 4, nullptr, &substituted), 0);
-    EXPECT_EQ(GetLastError(), ERROR_INVALID_PARAMETER);
+    EXPECT_EQ(ErrorOf(MultiByteToWideChar(CP_UTF8, MB_PRECOMPOSED, "a", 1, wide, 4)), kInvalidFlags);
+    EXPECT_EQ(ErrorOf(WideCharToMultiByte(CP_UTF8, kNoBestFit, W("a"), 1, bytes, 4, nullptr, nullptr)), kInvalidFlags);
+    EXPECT_EQ(ErrorOf(WideCharToMultiByte(CP_UTF8, 0, W("a"), 1, bytes, 4, nullptr, &substituted)),
+              ERROR_INVALID_PARAMETER);
 }
 
 std::string Printed(const WCHAR* format, auto... arguments) {
@@ -74,8 +75,7 @@ TEST(DocumentedDetails, AProcessEndsOnce) {
     EXPECT_EQ(child.ReadLine(), "ready");
     EXPECT_TRUE(TerminateProcess(child.Process(), 123));
     EXPECT_EQ(child.Wait(), 123u);
-    EXPECT_FALSE(TerminateProcess(child.Process(), 5));
-    EXPECT_EQ(GetLastError(), ERROR_ACCESS_DENIED);
+    EXPECT_EQ(ErrorOf(TerminateProcess(child.Process(), 5)), ERROR_ACCESS_DENIED);
     EXPECT_EQ(child.Wait(), 123u);
 }
 

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "platform/scoped.h"
+#include "support/fail_each.h"
 #include "support/temp_file.h"
 
 namespace {
@@ -33,18 +34,8 @@ bool TouchEverything(const WCHAR* path) {
 
 TEST(Faults, FailEachCallInTurnAndThenNone) {
     const support::TempFile name;
-    int failed = 0;
-    for (;; ++failed) {
-        platform::faults::FailAfter(failed);
-        const bool succeeded = TouchEverything(name.Path());
-        if (!platform::faults::Hit()) {
-            EXPECT_TRUE(succeeded);
-            break;
-        }
-        EXPECT_FALSE(succeeded) << failed;
-        ASSERT_LT(failed, 100);
-    }
-    platform::faults::Clear();
+    const int failed = support::FailEach<support::FailingCall>(
+        [&] { return TouchEverything(name.Path()); }, [](bool succeeded, bool hit) { EXPECT_EQ(succeeded, !hit); });
     EXPECT_EQ(failed, 11);
 }
 

@@ -4,9 +4,12 @@
 #include "platform/linux/paths.h"
 #include "platform/scoped.h"
 #include "platform/text.h"
+#include "support/last_error.h"
 #include "support/temp_file.h"
 
 namespace {
+
+using support::ErrorOf;
 
 constexpr DWORD kBoth = GENERIC_READ | GENERIC_WRITE;
 
@@ -28,14 +31,12 @@ void Write(const platform::ScopedHandle& file, const std::string& text) {
 }
 
 TEST(Files, Dispositions) {
-    struct Row {
+    const struct {
         DWORD disposition;
         bool exists;
-        DWORD access;
-        DWORD error;
+        DWORD access, error;
         const char* content;  // afterwards, with "old" before; null when there is no file
-    };
-    const Row rows[] = {
+    } rows[] = {
         {CREATE_NEW, false, kBoth, 0, ""},
         {CREATE_NEW, true, kBoth, ERROR_FILE_EXISTS, "old"},
         {CREATE_ALWAYS, false, kBoth, 0, ""},
@@ -50,7 +51,7 @@ TEST(Files, Dispositions) {
         {0, true, kBoth, ERROR_INVALID_PARAMETER, "old"},
         {6, false, kBoth, ERROR_INVALID_PARAMETER, nullptr},
     };
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         SCOPED_TRACE(testing::Message() << "disposition " << row.disposition << (row.exists ? ", exists" : ""));
         const support::TempFile name;
         if (row.exists) Write(Open(name.Path(), GENERIC_WRITE, CREATE_NEW), "old");
@@ -90,18 +91,13 @@ TEST(Files, Refusals) {
     char c = 0;
     DWORD count = 9;
     const auto write_only = Open(name.Path(), GENERIC_WRITE, OPEN_EXISTING);
-    EXPECT_FALSE(ReadFile(write_only.Get(), &c, 1, &count, nullptr));
-    EXPECT_EQ(GetLastError(), ERROR_ACCESS_DENIED);
+    EXPECT_EQ(ErrorOf(ReadFile(write_only.Get(), &c, 1, &count, nullptr)), ERROR_ACCESS_DENIED);
     EXPECT_EQ(count, 0u);
     const auto read_only = Open(name.Path(), GENERIC_READ, OPEN_EXISTING);
-    EXPECT_FALSE(WriteFile(read_only.Get(), &c, 1, &count, nullptr));
-    EXPECT_EQ(GetLastError(), ERROR_ACCESS_DENIED);
-    EXPECT_FALSE(ReadFile(read_only.Get(), nullptr, 1, &count, nullptr));
-    EXPECT_EQ(GetLastError(), ERROR_NOACCESS);
-    EXPECT_FALSE(DeleteFileW(folder));
-    EXPECT_EQ(GetLastError(), ERROR_ACCESS_DENIED);
-    EXPECT_FALSE(DeleteFileW(inside.c_str()));
-    EXPECT_EQ(GetLastError(), ERROR_PATH_NOT_FOUND);
+    EXPECT_EQ(ErrorOf(WriteFile(read_only.Get(), &c, 1, &count, nullptr)), ERROR_ACCESS_DENIED);
+    EXPECT_EQ(ErrorOf(ReadFile(read_only.Get(), nullptr, 1, &count, nullptr)), ERROR_NOACCESS);
+    EXPECT_EQ(ErrorOf(DeleteFileW(folder)), ERROR_ACCESS_DENIED);
+    EXPECT_EQ(ErrorOf(DeleteFileW(inside.c_str())), ERROR_PATH_NOT_FOUND);
 }
 
 TEST(Files, PositionsAndSizes) {
@@ -144,8 +140,7 @@ TEST(Files, AttributesAndNames) {
     WCHAR out[512];
     EXPECT_EQ(GetFileAttributesW(name.Path()), INVALID_FILE_ATTRIBUTES);
     EXPECT_EQ(GetLastError(), ERROR_FILE_NOT_FOUND);
-    EXPECT_EQ(GetShortPathNameW(name.Path(), out, 512), 0u);
-    EXPECT_EQ(GetLastError(), ERROR_FILE_NOT_FOUND);
+    EXPECT_EQ(ErrorOf(GetShortPathNameW(name.Path(), out, 512)), ERROR_FILE_NOT_FOUND);
     Open(name.Path(), GENERIC_WRITE, CREATE_NEW);
     EXPECT_EQ(GetFileAttributesW(name.Path()), FILE_ATTRIBUTE_NORMAL);
     const auto length = static_cast<DWORD>(lstrlenW(name.Path()));
@@ -161,8 +156,7 @@ TEST(Files, AttributesAndNames) {
     const support::TempFile protected_name;
     Open(protected_name.Path(), GENERIC_WRITE, CREATE_NEW, FILE_ATTRIBUTE_READONLY);
     EXPECT_EQ(GetFileAttributesW(protected_name.Path()), FILE_ATTRIBUTE_READONLY);
-    EXPECT_FALSE(DeleteFileW(protected_name.Path()));
-    EXPECT_EQ(GetLastError(), ERROR_ACCESS_DENIED);
+    EXPECT_EQ(ErrorOf(DeleteFileW(protected_name.Path())), ERROR_ACCESS_DENIED);
     ASSERT_EQ(unlink(platform::PosixPath(protected_name.Path())->c_str()), 0);
 }
 

@@ -4,8 +4,11 @@
 #include <thread>
 
 #include "platform/memory.h"
+#include "support/last_error.h"
 
 namespace {
+
+using support::ErrorOf;
 
 constexpr DWORD kNotLocked = 158;
 constexpr DWORD kDiscarded = 157;
@@ -36,22 +39,19 @@ TEST(GlobalHeap, MoveableBlocksCountTheirLocks) {
     SetLastError(77);
     EXPECT_FALSE(GlobalUnlock(block));
     EXPECT_EQ(GetLastError(), ERROR_SUCCESS);
-    EXPECT_FALSE(GlobalUnlock(block));
-    EXPECT_EQ(GetLastError(), kNotLocked);
+    EXPECT_EQ(ErrorOf(GlobalUnlock(block)), kNotLocked);
     EXPECT_EQ(GlobalFree(block), nullptr);
 }
 
 TEST(GlobalHeap, LimitsAndOddities) {
     for (const SIZE_T size : {~SIZE_T{0}, ~SIZE_T{0} - 15, SIZE_T{1} << 47}) {
-        EXPECT_EQ(GlobalAlloc(GPTR, size), nullptr);
-        EXPECT_EQ(GetLastError(), ERROR_NOT_ENOUGH_MEMORY);
+        EXPECT_EQ(ErrorOf(GlobalAlloc(GPTR, size)), ERROR_NOT_ENOUGH_MEMORY);
     }
     const HGLOBAL empty = GlobalAlloc(GMEM_FIXED, 0);
     EXPECT_NE(empty, nullptr);
     EXPECT_EQ(GlobalFree(empty), nullptr);
     const HGLOBAL discarded = GlobalAlloc(GMEM_MOVEABLE, 0);
-    EXPECT_EQ(GlobalLock(discarded), nullptr);
-    EXPECT_EQ(GetLastError(), kDiscarded);
+    EXPECT_EQ(ErrorOf(GlobalLock(discarded)), kDiscarded);
     EXPECT_EQ(GlobalFree(discarded), nullptr);
     EXPECT_EQ(GlobalFree(nullptr), nullptr);
 }

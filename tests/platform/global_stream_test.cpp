@@ -3,8 +3,8 @@
 
 #include <cstring>
 
-#include "platform/faults.h"
 #include "platform/scoped.h"
+#include "support/fail_each.h"
 #include "support/temp_file.h"
 
 namespace {
@@ -123,19 +123,12 @@ TEST(GlobalStream, OnlyItsOwnBlockIsGiven) {
 }
 
 TEST(GlobalStream, FailsCleanlyWithoutMemory) {
-    for (int n = 0;; ++n) {
-        platform::faults::FailAfter(n);
+    const auto use = [] {
         Stream stream;
-        const bool succeeded = SUCCEEDED(CreateStreamOnHGlobal(nullptr, TRUE, stream.Out())) &&
-                               SUCCEEDED(stream->Write("12345", 5, nullptr)) &&
-                               SUCCEEDED(stream->Write("6", 1, nullptr));
-        if (!platform::faults::Hit()) {
-            EXPECT_TRUE(succeeded);
-            break;
-        }
-        EXPECT_FALSE(succeeded) << n;
-    }
-    platform::faults::Clear();
+        return SUCCEEDED(CreateStreamOnHGlobal(nullptr, TRUE, stream.Out())) &&
+               SUCCEEDED(stream->Write("12345", 5, nullptr)) && SUCCEEDED(stream->Write("6", 1, nullptr));
+    };
+    support::FailEach<support::FailingCall>(use, [](bool succeeded, bool hit) { EXPECT_EQ(succeeded, !hit); });
 }
 
 }  // namespace

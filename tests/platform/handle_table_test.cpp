@@ -4,9 +4,12 @@
 #include <thread>
 
 #include "platform/scoped.h"
+#include "support/last_error.h"
 #include "support/temp_file.h"
 
 namespace {
+
+using support::ErrorOf;
 
 struct Call {
     const char* name;
@@ -52,8 +55,7 @@ void ExpectRefused(const Calls& calls, HANDLE handle) {
     for (const Call& call : calls) {
         SCOPED_TRACE(call.name);
         SetLastError(0);
-        EXPECT_FALSE(call.succeeds(handle));
-        EXPECT_EQ(GetLastError(), ERROR_INVALID_HANDLE);
+        EXPECT_EQ(ErrorOf(call.succeeds(handle)), ERROR_INVALID_HANDLE);
     }
 }
 
@@ -72,8 +74,7 @@ TEST(HandleTable, WildValuesAreRefused) {
         ExpectRefused(kFileCalls, AsHandle(value));
         ExpectRefused(kMutexCalls, AsHandle(value));
         ExpectRefused(kOtherCalls, AsHandle(value));
-        EXPECT_FALSE(CloseHandle(AsHandle(value)));
-        EXPECT_EQ(GetLastError(), ERROR_INVALID_HANDLE);
+        EXPECT_EQ(ErrorOf(CloseHandle(AsHandle(value))), ERROR_INVALID_HANDLE);
     }
     EXPECT_EQ(WaitForSingleObject(mutex.Get(), 0), WAIT_OBJECT_0);
     EXPECT_TRUE(ReleaseMutex(mutex.Get()));
@@ -108,8 +109,7 @@ TEST(HandleTable, ClosedHandlesStayClosed) {
         EXPECT_NE(next.Get(), closed);
         ExpectRefused(kMutexCalls, closed);
         ExpectRefused(kOtherCalls, closed);
-        EXPECT_FALSE(CloseHandle(closed));
-        EXPECT_EQ(GetLastError(), ERROR_INVALID_HANDLE);
+        EXPECT_EQ(ErrorOf(CloseHandle(closed)), ERROR_INVALID_HANDLE);
     }
 }
 

@@ -30,22 +30,13 @@ class Asked : public support::ScopedVariable {
 };
 
 TEST(Locale, TellsItsFacts) {
-    struct Row {
+    const struct {
         LCID lcid;
-        const char* number;
-        const char* letters;
-        const char* language;
-        const char* country_number;
-        const char* country;
-        const char* decimal;
-        const char* thousands;
-        const char* grouping;
-        const char* list;
-        const char* measure;
+        const char *number, *letters, *language, *country_number, *country, *decimal, *thousands, *grouping, *list,
+            *measure;
         const char* own_name;  // for a user who reads that language
         const char* own_country;
-    };
-    const Row rows[] = {
+    } rows[] = {
         {0x0409, "0409", "ENU", "English", "1", "United States", ".", ",", "3;0", ",", "1", "English (United States)",
          "United States"},
         {0x0407, "0407", "DEU", "German", "49", "Germany", ",", ".", "3;0", ";", "0", "Deutsch (Deutschland)",
@@ -57,7 +48,7 @@ TEST(Locale, TellsItsFacts) {
          "Brasil"},
         {0x0439, "0439", "HIN", "Hindi", "91", "India", ".", ",", "3;2;0", ",", "0", "हिन्दी (भारत)", "भारत"},
     };
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         SCOPED_TRACE(row.number);
         const Asked locale(row.lcid);
         EXPECT_EQ(locale.Fact(LOCALE_ILANGUAGE), row.number);
@@ -82,32 +73,22 @@ TEST(Locale, TellsItsFacts) {
 }
 
 TEST(Locale, TellsSingleFactsAsWin32Does) {
-    struct Row {
+    const struct {
         LCID lcid;
         DWORD type;
         const char* text;
+    } rows[] = {
+        {0x0401, LOCALE_STHOUSAND, ","},      {0x0016, LOCALE_SENGCOUNTRY, "Brazil"},
+        {0x0401, LOCALE_SDECIMAL, "."},       {0x0804, LOCALE_SENGLANGUAGE, "Chinese (Simplified)"},
+        {0x0401, LOCALE_SNEGATIVESIGN, "-"},  {0x0C0A, LOCALE_SABBREVLANGNAME, "ESN"},
+        {0x041D, LOCALE_SNEGATIVESIGN, "-"},  {0x040A, LOCALE_SABBREVLANGNAME, "ESP"},
+        {0x100C, LOCALE_STHOUSAND, "\u00A0"}, {0x0C04, LOCALE_SABBREVLANGNAME, "ZHH"},
+        {0x0807, LOCALE_SLIST, ";"},          {0x0412, LOCALE_SENGCOUNTRY, "Korea"},
+        {0x040B, LOCALE_STIME, "."},          {LOCALE_INVARIANT, LOCALE_SGROUPING, "3;0"},
+        {0x0009, LOCALE_ILANGUAGE, "0409"},   {LOCALE_INVARIANT, LOCALE_SABBREVLANGNAME, "IVL"},
+        {0x0809, LOCALE_IMEASURE, "0"},       {LOCALE_INVARIANT, LOCALE_SENGCOUNTRY, "Invariant Country"},
     };
-    const Row rows[] = {
-        {0x0401, LOCALE_STHOUSAND, ","},
-        {0x0401, LOCALE_SDECIMAL, "."},
-        {0x0401, LOCALE_SNEGATIVESIGN, "-"},
-        {0x041D, LOCALE_SNEGATIVESIGN, "-"},
-        {0x100C, LOCALE_STHOUSAND, "\u00A0"},
-        {0x0807, LOCALE_SLIST, ";"},
-        {0x040B, LOCALE_STIME, "."},
-        {0x0009, LOCALE_ILANGUAGE, "0409"},
-        {0x0016, LOCALE_SENGCOUNTRY, "Brazil"},
-        {0x0804, LOCALE_SENGLANGUAGE, "Chinese (Simplified)"},
-        {0x0C0A, LOCALE_SABBREVLANGNAME, "ESN"},
-        {0x040A, LOCALE_SABBREVLANGNAME, "ESP"},
-        {0x0C04, LOCALE_SABBREVLANGNAME, "ZHH"},
-        {0x0412, LOCALE_SENGCOUNTRY, "Korea"},
-        {0x0809, LOCALE_IMEASURE, "0"},
-        {LOCALE_INVARIANT, LOCALE_SGROUPING, "3;0"},
-        {LOCALE_INVARIANT, LOCALE_SABBREVLANGNAME, "IVL"},
-        {LOCALE_INVARIANT, LOCALE_SENGCOUNTRY, "Invariant Country"},
-    };
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         EXPECT_EQ(Asked(row.lcid).Fact(row.type), row.text) << std::hex << row.lcid << ' ' << row.type;
     }
     WCHAR text[3] = {};
@@ -141,46 +122,42 @@ std::string Formatted(const WCHAR* value, NUMBERFMTW format, int size = 100) {
 TEST(NumberFormat, FollowsItsRecord) {
     WCHAR point[] = W("<>");
     WCHAR group[] = W("'");
-    struct Row {
+    const struct {
         const WCHAR* value;
-        UINT decimals;
-        UINT leading_zero;
-        UINT grouping;
-        UINT negative;
+        UINT decimals, leading_zero, grouping, negative;
         const char* text;
-    };
-    const Row rows[] = {
-        {W("1234567.125"), 2, 1, 3, 1, "1'234'567<>13"},
-        {W("1234567.125"), 0, 1, 3, 1, "1'234'567"},
-        {W("-1234.5"), 2, 1, 3, 0, "(1'234<>50)"},
-        {W("-1234.5"), 2, 1, 3, 1, "-1'234<>50"},
-        {W("-1234.5"), 2, 1, 3, 2, "- 1'234<>50"},
-        {W("-1234.5"), 2, 1, 3, 3, "1'234<>50-"},
-        {W("-1234.5"), 2, 1, 3, 4, "1'234<>50 -"},
-        {W("12345678901.5"), 1, 1, 0, 1, "12345678901<>5"},
-        {W("12345678901"), 0, 1, 1, 1, "1'2'3'4'5'6'7'8'9'0'1"},
-        {W("12345678901"), 0, 1, 32, 1, "12'34'56'78'901"},
-        {W("12345678901"), 0, 1, 30, 1, "12345678'901"},
-        {W("12345678901"), 0, 1, 9, 1, "12'345678901"},
+    } rows[] = {
         {W("0.5"), 2, 0, 3, 1, "<>50"},
+        {W("1234567.125"), 2, 1, 3, 1, "1'234'567<>13"},
         {W(".5"), 2, 1, 3, 1, "0<>50"},
+        {W("1234567.125"), 0, 1, 3, 1, "1'234'567"},
         {W("5."), 2, 1, 3, 1, "5<>00"},
+        {W("-1234.5"), 2, 1, 3, 0, "(1'234<>50)"},
         {W("-0005"), 0, 1, 3, 1, "-5"},
+        {W("-1234.5"), 2, 1, 3, 1, "-1'234<>50"},
         {W("0"), 0, 1, 3, 1, "0"},
-        {W("-0.001"), 2, 1, 3, 1, "-0<>00"},
+        {W("-1234.5"), 2, 1, 3, 2, "- 1'234<>50"},
         {W(".5"), 0, 1, 3, 1, "1"},
-        {W("99.995"), 2, 1, 3, 1, "100<>00"},
+        {W("-1234.5"), 2, 1, 3, 3, "1'234<>50-"},
         {W("0.995"), 2, 1, 3, 1, "1<>00"},
+        {W("-1234.5"), 2, 1, 3, 4, "1'234<>50 -"},
         {W("1.9949"), 2, 1, 3, 1, "1<>99"},
-        {W("0.25"), 12, 1, 3, 1, "0<>250000000000"},
+        {W("12345678901.5"), 1, 1, 0, 1, "12345678901<>5"},
         {W("12 "), 0, 1, 3, 1, "error"},
+        {W("12345678901"), 0, 1, 1, 1, "1'2'3'4'5'6'7'8'9'0'1"},
         {W("1,234"), 0, 1, 3, 1, "error"},
+        {W("12345678901"), 0, 1, 32, 1, "12'34'56'78'901"},
         {W("1.2.3"), 0, 1, 3, 1, "error"},
+        {W("12345678901"), 0, 1, 30, 1, "12345678'901"},
         {W("+5"), 0, 1, 3, 1, "error"},
+        {W("12345678901"), 0, 1, 9, 1, "12'345678901"},
         {W("--5"), 0, 1, 3, 1, "error"},
+        {W("-0.001"), 2, 1, 3, 1, "-0<>00"},
         {W("1e5"), 0, 1, 3, 1, "error"},
+        {W("99.995"), 2, 1, 3, 1, "100<>00"},
+        {W("0.25"), 12, 1, 3, 1, "0<>250000000000"},
     };
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         const NUMBERFMTW format{row.decimals, row.leading_zero, row.grouping, point, group, row.negative};
         EXPECT_EQ(Formatted(row.value, format), row.text) << platform::Utf8(row.value);
     }

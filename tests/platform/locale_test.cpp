@@ -6,13 +6,12 @@
 namespace {
 
 TEST(Locale, ComesFromTheEnvironment) {
-    struct Row {
+    const struct {
         const WCHAR* number;  // KT_LCID
         const WCHAR* all;     // LC_ALL
         const WCHAR* lang;    // LANG
         LCID expected;
-    };
-    const Row rows[] = {
+    } rows[] = {
         {W("1031"), W("fr_FR"), nullptr, 0x0407},        {W("0x411"), W("fr_FR"), nullptr, 0x0411},
         {W("0X0C0A"), nullptr, nullptr, 0x0C0A},         {W("nonsense"), W("fr_FR"), nullptr, 0x040C},
         {W("0"), W("fr_FR"), nullptr, 0x040C},           {W("12ab"), nullptr, W("it_IT"), 0x0410},
@@ -25,7 +24,7 @@ TEST(Locale, ComesFromTheEnvironment) {
         {nullptr, W("C"), W("sv_SE"), 0x041D},           {nullptr, W("C.UTF-8"), W("POSIX"), 0x0409},
         {nullptr, W("tlh_QO"), W("nb_NO"), 0x0414},      {nullptr, nullptr, nullptr, 0x0409},
     };
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         const support::ScopedVariable number(W("KT_LCID"), row.number);
         const support::ScopedVariable all(W("LC_ALL"), row.all);
         const support::ScopedVariable lang(W("LANG"), row.lang);

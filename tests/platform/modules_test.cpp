@@ -8,10 +8,14 @@
 #include "platform/resources.h"
 #include "platform/scoped.h"
 #include "platform/text.h"
+#include "support/last_error.h"
 #include "support/scoped_variable.h"
 #include "support/temp_file.h"
+#include "support/whole_file.h"
 
 namespace {
+
+using support::ErrorOf;
 
 const WCHAR* const kModule = W("clipfio_test_module.so");
 
@@ -21,26 +25,11 @@ WString ProgramFolder() {
     return program.substr(0, program.rfind('\\') + 1);
 }
 
-std::vector<char> Content(const WString& path) {
-    const platform::ScopedHandle file(
-        CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr));
-    std::vector<char> content(GetFileSize(file.Get(), nullptr));
-    DWORD read = 0;
-    EXPECT_TRUE(ReadFile(file.Get(), content.data(), static_cast<DWORD>(content.size()), &read, nullptr));
-    return content;
-}
-
-void WriteTo(const WCHAR* path, const std::vector<char>& content) {
-    const platform::ScopedHandle file(CreateFileW(path, GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr));
-    DWORD written = 0;
-    EXPECT_TRUE(WriteFile(file.Get(), content.data(), static_cast<DWORD>(content.size()), &written, nullptr));
-}
-
 // A copy in a file of its own is a module of its own, whatever was loaded before.
 class ModuleCopy {
   public:
     ModuleCopy() : file_(" \u00FC.so") {
-        WriteTo(file_.Path(), Content(ProgramFolder() + kModule));
+        support::WriteWhole(file_.Path(), support::ReadWhole((ProgramFolder() + kModule).c_str()));
         module_.Reset(LoadLibraryW(file_.Path()));
     }
     [[nodiscard]] const WCHAR* Path() const { return file_.Path(); }
@@ -138,45 +127,39 @@ TEST(Modules, NamesAndFunctions) {
 
     // Not there, there only in what the module needs, an ordinal.
     for (const char* const missing : {"NoSuchFunction", "memcpy", "", reinterpret_cast<const char*>(1)}) {
-        EXPECT_EQ(GetProcAddress(bare.Get(), missing), nullptr);
-        EXPECT_EQ(GetLastError(), ERROR_PROC_NOT_FOUND);
+        EXPECT_EQ(ErrorOf(GetProcAddress(bare.Get(), missing)), ERROR_PROC_NOT_FOUND);
     }
     EXPECT_NE(GetProcAddress(bare.Get(), "TestModuleInstance"), nullptr);
 
     int local = 0;
     for (const HMODULE wild : {HMODULE{}, reinterpret_cast<HMODULE>(&local), reinterpret_cast<HMODULE>(16)}) {
         EXPECT_EQ(GetProcAddress(wild, "TestModuleInstance"), nullptr);
-        EXPECT_FALSE(FreeLibrary(wild));
-        EXPECT_EQ(GetLastError(), ERROR_MOD_NOT_FOUND);
+        EXPECT_EQ(ErrorOf(FreeLibrary(wild)), ERROR_MOD_NOT_FOUND);
     }
     EXPECT_EQ(GetModuleFileNameW(reinterpret_cast<HMODULE>(&local), name, 1024), 0u);
 }
 
 TEST(Modules, WhatCannotBeLoaded) {
-    const std::vector<char> good = Content(ProgramFolder() + kModule);
-    std::vector<char> other_class = good;
+    const std::string good = support::ReadWhole((ProgramFolder() + kModule).c_str());
+    std::string other_class = good;
     other_class[4] = 1;
-    struct Row {
+    const struct {
         const char* name;
-        std::vector<char> content;
-        DWORD error;
+        std::string content;
+    } rows[] = {
+        {"empty", ""},
+        {"text", "none"},
+        {"32 bits", other_class},
+        {"header only", good.substr(0, 40)},
     };
-    const Row rows[] = {
-        {"empty", {}, ERROR_BAD_EXE_FORMAT},
-        {"text", {'n', 'o', 'n', 'e'}, ERROR_BAD_EXE_FORMAT},
-        {"32 bits", other_class, ERROR_BAD_EXE_FORMAT},
-        {"header only", std::vector<char>(good.begin(), good.begin() + 40), ERROR_BAD_EXE_FORMAT},
-    };
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         const support::TempFile file(".so");
-        WriteTo(file.Path(), row.content);
-        EXPECT_EQ(LoadLibraryW(file.Path()), nullptr) << row.name;
-        EXPECT_EQ(GetLastError(), row.error) << row.name;
+        support::WriteWhole(file.Path(), row.content);
+        EXPECT_EQ(ErrorOf(LoadLibraryW(file.Path())), ERROR_BAD_EXE_FORMAT) << row.name;
     }
     const support::TempFile missing(".so");
     for (const WCHAR* const path : {missing.Path(), W("no_such_module_anywhere.so"), W(".\\no\\such.so"), W("Q:\\a")}) {
-        EXPECT_EQ(LoadLibraryW(path), nullptr);
-        EXPECT_EQ(GetLastError(), ERROR_MOD_NOT_FOUND);
+        EXPECT_EQ(ErrorOf(LoadLibraryW(path)), ERROR_MOD_NOT_FOUND);
     }
 }
 
@@ -186,10 +169,9 @@ TEST(Modules, SystemMessages) {
     const DWORD length = FormatMessageA(kFlags, nullptr, ERROR_MOD_NOT_FOUND, 0, text, sizeof text, nullptr);
     EXPECT_EQ(std::string(text), "The module, or a module that it needs, was not found.\r\n");
     EXPECT_EQ(length, std::strlen(text));
-    EXPECT_EQ(FormatMessageA(kFlags, nullptr, ERROR_MOD_NOT_FOUND, 0, text, length, nullptr), 0u);
-    EXPECT_EQ(GetLastError(), ERROR_INSUFFICIENT_BUFFER);
-    EXPECT_EQ(FormatMessageA(kFlags, nullptr, 0xDEADBEEF, 0, text, sizeof text, nullptr), 0u);
-    EXPECT_EQ(GetLastError(), 317u);
+    EXPECT_EQ(ErrorOf(FormatMessageA(kFlags, nullptr, ERROR_MOD_NOT_FOUND, 0, text, length, nullptr)),
+              ERROR_INSUFFICIENT_BUFFER);
+    EXPECT_EQ(ErrorOf(FormatMessageA(kFlags, nullptr, 0xDEADBEEF, 0, text, sizeof text, nullptr)), 317u);
 }
 
 }  // namespace

@@ -3,20 +3,20 @@
 #include "platform/linux/paths.h"
 #include "platform/modules.h"
 #include "platform/text.h"
+#include "support/last_error.h"
 #include "support/scoped_variable.h"
 
 namespace {
 
+using support::ErrorOf;
 using support::ScopedVariable;
 
 TEST(Paths, ToTheFileSystem) {
-    struct Row {
-        const WCHAR* drives;
-        const WCHAR* path;
+    const struct {
+        const WCHAR *drives, *path;
         const char* posix;  // null with an error
         DWORD error;
-    };
-    const Row rows[] = {
+    } rows[] = {
         {nullptr, W("C:\\a\\b.r3d"), "/a/b.r3d", 0},
         {nullptr, W("c:/a/b"), "/a/b", 0},
         {nullptr, W("/a\\b/c"), "/a/b/c", 0},
@@ -42,7 +42,7 @@ TEST(Paths, ToTheFileSystem) {
         {W(";;D;D=;=/x;DD=/y;E=rel;F=/ok"), W("F:\\a"), "/ok/a", 0},
         {W(";;D;D=;=/x;DD=/y;E=rel;F=/ok"), W("E:\\a"), nullptr, ERROR_PATH_NOT_FOUND},
     };
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         ScopedVariable drives(W("KT_DRIVES"), row.drives);
         SetLastError(0);
         const auto posix = platform::PosixPath(row.path);
@@ -51,25 +51,19 @@ TEST(Paths, ToTheFileSystem) {
         EXPECT_EQ(GetLastError(), row.error);
     }
     const WCHAR lone_surrogate[] = {'a', 0xD800, 0};
-    EXPECT_FALSE(platform::PosixPath(lone_surrogate));
-    EXPECT_EQ(GetLastError(), ERROR_INVALID_NAME);
+    EXPECT_EQ(ErrorOf(platform::PosixPath(lone_surrogate)), ERROR_INVALID_NAME);
 }
 
 TEST(Paths, ToDriveForm) {
-    struct Row {
+    const struct {
         const WCHAR* drives;
-        const char* posix;
-        const char* path;
+        const char *posix, *path;
+    } rows[] = {
+        {W("C=/;D=/mnt/x"), "/mnt/x/a", "D:\\a"}, {nullptr, "/usr/lib/x.so", "C:\\usr\\lib\\x.so"},
+        {W("C=/;D=/mnt/x"), "/mnt/x", "D:\\"},    {nullptr, "/", "C:\\"},
+        {W("C=/srv"), "/mnt/x", "/mnt/x"},        {W("C=/;D=/mnt/x"), "/mnt/xy/a", "C:\\mnt\\xy\\a"},
     };
-    const Row rows[] = {
-        {nullptr, "/usr/lib/x.so", "C:\\usr\\lib\\x.so"},
-        {nullptr, "/", "C:\\"},
-        {W("C=/;D=/mnt/x"), "/mnt/x/a", "D:\\a"},
-        {W("C=/;D=/mnt/x"), "/mnt/xy/a", "C:\\mnt\\xy\\a"},
-        {W("C=/;D=/mnt/x"), "/mnt/x", "D:\\"},
-        {W("C=/srv"), "/mnt/x", "/mnt/x"},
-    };
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         ScopedVariable drives(W("KT_DRIVES"), row.drives);
         EXPECT_EQ(platform::Utf8(platform::DrivePath(row.posix)), row.path);
     }
@@ -87,8 +81,7 @@ TEST(Paths, EnvironmentVariables) {
     EXPECT_EQ(GetEnvironmentVariableW(W("CLIPFIO_TEST_VARIABLE"), out, 8), 0u);
     EXPECT_EQ(GetLastError(), ERROR_SUCCESS);
     EXPECT_TRUE(SetEnvironmentVariableW(W("CLIPFIO_TEST_VARIABLE"), nullptr));
-    EXPECT_EQ(GetEnvironmentVariableW(W("CLIPFIO_TEST_VARIABLE"), out, 8), 0u);
-    EXPECT_EQ(GetLastError(), ERROR_ENVVAR_NOT_FOUND);
+    EXPECT_EQ(ErrorOf(GetEnvironmentVariableW(W("CLIPFIO_TEST_VARIABLE"), out, 8)), ERROR_ENVVAR_NOT_FOUND);
     EXPECT_FALSE(SetEnvironmentVariableW(W("a=b"), W("c")));
 }
 

@@ -7,8 +7,11 @@
 
 #include "platform/scoped.h"
 #include "support/child_roles.h"
+#include "support/last_error.h"
 
 namespace {
+
+using support::ErrorOf;
 
 constexpr DWORD kMemory = PROCESS_VM_OPERATION | PROCESS_VM_READ | PROCESS_VM_WRITE;
 constexpr std::size_t kPage = 4096;
@@ -53,21 +56,16 @@ TEST(ProcessMemory, ShortAndBadTransfersFail) {
     const HalfReadable pages;
     std::vector<char> here(2 * kPage);
     const HANDLE self = GetCurrentProcess();
-    struct Row {
+    const struct {
         const char* address;
-        SIZE_T bytes;
-        SIZE_T moved;
+        SIZE_T bytes, moved;
         DWORD error;
+    } rows[] = {
+        {pages.End() - 100, 100, 100, 0},    {pages.End() - 100, 101, 100, ERROR_PARTIAL_COPY},
+        {pages.End(), 1, 0, ERROR_NOACCESS}, {pages.End() - 100, kPage, 100, ERROR_PARTIAL_COPY},
+        {nullptr, 1, 0, ERROR_NOACCESS},     {nullptr, 0, 0, 0},
     };
-    const Row rows[] = {
-        {pages.End() - 100, 100, 100, 0},
-        {pages.End() - 100, 101, 100, ERROR_PARTIAL_COPY},
-        {pages.End() - 100, kPage, 100, ERROR_PARTIAL_COPY},
-        {pages.End(), 1, 0, ERROR_NOACCESS},
-        {nullptr, 1, 0, ERROR_NOACCESS},
-        {nullptr, 0, 0, 0},
-    };
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         SCOPED_TRACE(row.bytes);
         SIZE_T moved = 99;
         SetLastError(0);
@@ -86,12 +84,10 @@ TEST(ProcessMemory, AProcessThatHasEnded) {
     support::ChildProcess child("end_at_once");
     // Nobody has asked for its end yet, and it counts as gone all the same.
     EXPECT_EQ(WaitForSingleObject(child.Process(), INFINITE), WAIT_OBJECT_0);
-    EXPECT_EQ(OpenProcess(kMemory, FALSE, child.Id()), nullptr);
-    EXPECT_EQ(GetLastError(), ERROR_INVALID_PARAMETER);
+    EXPECT_EQ(ErrorOf(OpenProcess(kMemory, FALSE, child.Id())), ERROR_INVALID_PARAMETER);
     char c = 0;
     SIZE_T moved = 9;
-    EXPECT_FALSE(ReadProcessMemory(child.Process(), &c, &c, 1, &moved));
-    EXPECT_EQ(GetLastError(), ERROR_ACCESS_DENIED);
+    EXPECT_EQ(ErrorOf(ReadProcessMemory(child.Process(), &c, &c, 1, &moved)), ERROR_ACCESS_DENIED);
     EXPECT_EQ(moved, 0u);
     EXPECT_EQ(child.Wait(), 5u);
 
@@ -111,13 +107,13 @@ TEST(ProcessMemory, ForeignHandlesThatAreNoMappings) {
     EXPECT_EQ(child.ReadLine(), "ready");
     const platform::ScopedHandle mutex(CreateMutexW(nullptr, FALSE, nullptr));
     HANDLE out = reinterpret_cast<HANDLE>(1);
-    EXPECT_FALSE(DuplicateHandle(child.Process(), mutex.Get(), GetCurrentProcess(), &out, 0, FALSE, 0));
-    EXPECT_EQ(GetLastError(), ERROR_NOT_SUPPORTED);
+    EXPECT_EQ(ErrorOf(DuplicateHandle(child.Process(), mutex.Get(), GetCurrentProcess(), &out, 0, FALSE, 0)),
+              ERROR_NOT_SUPPORTED);
     EXPECT_EQ(out, nullptr);
-    EXPECT_FALSE(DuplicateHandle(child.Process(), &out, GetCurrentProcess(), &out, 0, FALSE, 0));
-    EXPECT_EQ(GetLastError(), ERROR_INVALID_HANDLE);
-    EXPECT_FALSE(DuplicateHandle(GetCurrentProcess(), mutex.Get(), child.Process(), &out, 0, FALSE, 0));
-    EXPECT_EQ(GetLastError(), ERROR_NOT_SUPPORTED);
+    EXPECT_EQ(ErrorOf(DuplicateHandle(child.Process(), &out, GetCurrentProcess(), &out, 0, FALSE, 0)),
+              ERROR_INVALID_HANDLE);
+    EXPECT_EQ(ErrorOf(DuplicateHandle(GetCurrentProcess(), mutex.Get(), child.Process(), &out, 0, FALSE, 0)),
+              ERROR_NOT_SUPPORTED);
 }
 
 }  // namespace

@@ -5,10 +5,12 @@
 
 #include "platform/scoped.h"
 #include "support/child_roles.h"
+#include "support/last_error.h"
 
 namespace {
 
 using support::ChildProcess;
+using support::ErrorOf;
 
 constexpr DWORD kMemory = PROCESS_VM_OPERATION | PROCESS_VM_READ | PROCESS_VM_WRITE;
 constexpr DWORD kSize = 3 * 65536 + 100;
@@ -110,10 +112,8 @@ TEST(Processes, RightsCount) {
     ASSERT_TRUE(process);
     char c = 0;
     SIZE_T moved = 9;
-    EXPECT_FALSE(ReadProcessMemory(process.Get(), &c, &c, 1, &moved));
-    EXPECT_EQ(GetLastError(), ERROR_ACCESS_DENIED);
-    EXPECT_FALSE(TerminateProcess(process.Get(), 1));
-    EXPECT_EQ(GetLastError(), ERROR_ACCESS_DENIED);
+    EXPECT_EQ(ErrorOf(ReadProcessMemory(process.Get(), &c, &c, 1, &moved)), ERROR_ACCESS_DENIED);
+    EXPECT_EQ(ErrorOf(TerminateProcess(process.Get(), 1)), ERROR_ACCESS_DENIED);
     EXPECT_EQ(child.Wait(), 7u);
 }
 
@@ -135,24 +135,18 @@ TEST(Mappings, AreReachedFromAnotherProcess) {
 TEST(Mappings, ViewsAndTheirLimits) {
     const platform::ScopedHandle mapping(
         CreateFileMappingW(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0, kSize, nullptr));
-    struct Row {
-        DWORD access;
-        DWORD offset;
+    constexpr DWORD kMappedAlignment = 1132;
+    const struct {
+        DWORD access, offset;
         SIZE_T bytes;
         DWORD error;
+    } rows[] = {
+        {FILE_MAP_READ | FILE_MAP_WRITE, 2 * 65536, 65536, 0},       {FILE_MAP_READ, 0, 0, 0},
+        {FILE_MAP_READ, 0, kSize + 65536, ERROR_ACCESS_DENIED},      {FILE_MAP_WRITE, 0, kSize, 0},
+        {FILE_MAP_READ, 0, ~SIZE_T{0} - 65536, ERROR_ACCESS_DENIED}, {FILE_MAP_READ, 3 * 65536, 0, 0},
+        {FILE_MAP_READ, 5 * 65536, 0, ERROR_ACCESS_DENIED},          {FILE_MAP_READ, 100, 10, kMappedAlignment},
     };
-    constexpr DWORD kMappedAlignment = 1132;
-    const Row rows[] = {
-        {FILE_MAP_READ, 0, 0, 0},
-        {FILE_MAP_WRITE, 0, kSize, 0},
-        {FILE_MAP_READ | FILE_MAP_WRITE, 2 * 65536, 65536, 0},
-        {FILE_MAP_READ, 3 * 65536, 0, 0},
-        {FILE_MAP_READ, 100, 10, kMappedAlignment},
-        {FILE_MAP_READ, 0, kSize + 65536, ERROR_ACCESS_DENIED},
-        {FILE_MAP_READ, 0, ~SIZE_T{0} - 65536, ERROR_ACCESS_DENIED},
-        {FILE_MAP_READ, 5 * 65536, 0, ERROR_ACCESS_DENIED},
-    };
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         SetLastError(0);
         const platform::ScopedView view(MapViewOfFile(mapping.Get(), row.access, 0, row.offset, row.bytes));
         EXPECT_EQ(static_cast<bool>(view), row.error == 0) << row.offset << ' ' << row.bytes;
@@ -160,8 +154,8 @@ TEST(Mappings, ViewsAndTheirLimits) {
         const bool is_told = row.error != ERROR_ACCESS_DENIED;
         EXPECT_TRUE(is_told ? GetLastError() == row.error : GetLastError() != 0) << row.offset << ' ' << row.bytes;
     }
-    EXPECT_EQ(CreateFileMappingW(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0, 0, nullptr), nullptr);
-    EXPECT_EQ(GetLastError(), ERROR_INVALID_PARAMETER);
+    EXPECT_EQ(ErrorOf(CreateFileMappingW(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0, 0, nullptr)),
+              ERROR_INVALID_PARAMETER);
     EXPECT_EQ(CreateFileMappingW(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0x7FFFFFFF, 0, nullptr), nullptr);
 }
 
@@ -173,12 +167,10 @@ TEST(Mappings, AViewOutlivesItsHandleAndEndsOnce) {
     bytes[4095] = 1;
     int local = 0;
     for (const void* const wrong : {static_cast<const void*>(&local), static_cast<const void*>(nullptr)}) {
-        EXPECT_FALSE(UnmapViewOfFile(wrong));
-        EXPECT_EQ(GetLastError(), ERROR_INVALID_ADDRESS);
+        EXPECT_EQ(ErrorOf(UnmapViewOfFile(wrong)), ERROR_INVALID_ADDRESS);
     }
     EXPECT_TRUE(UnmapViewOfFile(bytes));
-    EXPECT_FALSE(UnmapViewOfFile(bytes));
-    EXPECT_EQ(GetLastError(), ERROR_INVALID_ADDRESS);
+    EXPECT_EQ(ErrorOf(UnmapViewOfFile(bytes)), ERROR_INVALID_ADDRESS);
 }
 
 TEST(ProcessMemory, MovesBothWays) {

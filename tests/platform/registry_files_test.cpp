@@ -15,6 +15,7 @@ namespace {
 
 namespace fs = std::filesystem;
 using platform::ScopedKey;
+using support::Status;
 
 LSTATUS Write(DWORD number) {
     ScopedKey key;
@@ -51,13 +52,13 @@ class RegistryFiles : public testing::Test {
 };
 
 TEST_F(RegistryFiles, ReadingMakesNone) {
-    EXPECT_EQ(Read(), static_cast<LSTATUS>(ERROR_FILE_NOT_FOUND));
+    EXPECT_EQ(Read(), Status(ERROR_FILE_NOT_FOUND));
     WCHAR name[9];
     DWORD length = 9;
     EXPECT_EQ(RegEnumKeyExW(HKEY_CURRENT_USER, 0, name, &length, nullptr, nullptr, nullptr, nullptr),
-              static_cast<LSTATUS>(ERROR_NO_MORE_ITEMS));
-    EXPECT_EQ(RegDeleteKeyW(HKEY_CURRENT_USER, u"Software"), static_cast<LSTATUS>(ERROR_FILE_NOT_FOUND));
-    EXPECT_EQ(RegDeleteValueW(HKEY_CURRENT_USER, u"v"), static_cast<LSTATUS>(ERROR_FILE_NOT_FOUND));
+              Status(ERROR_NO_MORE_ITEMS));
+    EXPECT_EQ(RegDeleteKeyW(HKEY_CURRENT_USER, u"Software"), Status(ERROR_FILE_NOT_FOUND));
+    EXPECT_EQ(RegDeleteValueW(HKEY_CURRENT_USER, u"v"), Status(ERROR_FILE_NOT_FOUND));
     EXPECT_FALSE(fs::exists(registry_.Folder()));
     EXPECT_EQ(Write(1), 0);
     EXPECT_TRUE(fs::exists(File()));
@@ -81,14 +82,14 @@ TEST_F(RegistryFiles, LieWhereTheEnvironmentSays) {
     {
         const support::ScopedVariable no_config(u"XDG_CONFIG_HOME", nullptr);
         const support::ScopedVariable no_home(u"HOME", nullptr);
-        EXPECT_EQ(Write(3), static_cast<LSTATUS>(ERROR_CANTOPEN));
+        EXPECT_EQ(Write(3), Status(ERROR_CANTOPEN));
     }
 }
 
 TEST_F(RegistryFiles, ThatWentAwayAreMadeAnew) {
     ASSERT_EQ(Write(1), 0);
     fs::remove_all(registry_.Folder());
-    EXPECT_EQ(Read(), static_cast<LSTATUS>(ERROR_FILE_NOT_FOUND));
+    EXPECT_EQ(Read(), Status(ERROR_FILE_NOT_FOUND));
     EXPECT_EQ(Write(2), 0);
     DWORD number = 0;
     EXPECT_EQ(Read(&number), 0);
@@ -99,22 +100,21 @@ TEST_F(RegistryFiles, HandlesBelongToTheirFolder) {
     ScopedKey key;
     ASSERT_EQ(RegCreateKeyW(HKEY_CURRENT_USER, u"Software", key.Out()), 0);
     const support::TestRegistry other;
-    EXPECT_EQ(RegDeleteValueW(key.Get(), u"v"), static_cast<LSTATUS>(ERROR_INVALID_HANDLE));
+    EXPECT_EQ(RegDeleteValueW(key.Get(), u"v"), Status(ERROR_INVALID_HANDLE));
 }
 
 TEST_F(RegistryFiles, KeepToTheLimitsOfNamesAndRights) {
     ScopedKey key, none;
-    EXPECT_EQ(RegCreateKeyW(HKEY_CURRENT_USER, WString(256, u'n').c_str(), key.Out()),
-              static_cast<LSTATUS>(ERROR_INVALID_PARAMETER));
+    EXPECT_EQ(RegCreateKeyW(HKEY_CURRENT_USER, WString(256, u'n').c_str(), key.Out()), Status(ERROR_INVALID_PARAMETER));
     WString deep = u"d";
     for (int i = 0; i < 512; ++i) deep += u"\\d";
-    EXPECT_EQ(RegCreateKeyW(HKEY_CURRENT_USER, deep.c_str(), key.Out()), static_cast<LSTATUS>(ERROR_INVALID_PARAMETER));
+    EXPECT_EQ(RegCreateKeyW(HKEY_CURRENT_USER, deep.c_str(), key.Out()), Status(ERROR_INVALID_PARAMETER));
     EXPECT_EQ(RegSetValueExW(HKEY_CURRENT_USER, WString(16384, u'n').c_str(), 0, REG_NONE, nullptr, 0),
-              static_cast<LSTATUS>(ERROR_INVALID_PARAMETER));
-    EXPECT_EQ(RegSetValueExW(HKEY_CURRENT_USER, u"v", 0, REG_NONE, nullptr, 1), static_cast<LSTATUS>(ERROR_NOACCESS));
+              Status(ERROR_INVALID_PARAMETER));
+    EXPECT_EQ(RegSetValueExW(HKEY_CURRENT_USER, u"v", 0, REG_NONE, nullptr, 1), Status(ERROR_NOACCESS));
     ASSERT_EQ(Write(1), 0);
     ASSERT_EQ(RegOpenKeyExW(HKEY_CURRENT_USER, u"Software", 0, KEY_READ, key.Out()), 0);
-    EXPECT_EQ(RegCreateKeyW(key.Get(), u"new", none.Out()), static_cast<LSTATUS>(ERROR_ACCESS_DENIED));
+    EXPECT_EQ(RegCreateKeyW(key.Get(), u"new", none.Out()), Status(ERROR_ACCESS_DENIED));
 }
 
 TEST_F(RegistryFiles, DamagedAreToldAndLeftAlone) {
@@ -138,8 +138,8 @@ TEST_F(RegistryFiles, DamagedAreToldAndLeftAlone) {
         SCOPED_TRACE(row.name);
         fs::remove_all(registry_.Folder());
         PutFile(row.bytes);
-        EXPECT_EQ(Read(), static_cast<LSTATUS>(ERROR_REGISTRY_CORRUPT));
-        EXPECT_EQ(Write(2), static_cast<LSTATUS>(ERROR_REGISTRY_CORRUPT));
+        EXPECT_EQ(Read(), Status(ERROR_REGISTRY_CORRUPT));
+        EXPECT_EQ(Write(2), Status(ERROR_REGISTRY_CORRUPT));
         std::ifstream after(File(), std::ios::binary);
         EXPECT_EQ(std::string(std::istreambuf_iterator<char>(after), {}), row.bytes);
     }
@@ -157,17 +157,17 @@ TEST_F(RegistryFiles, OfOthersAreLeftAlone) {
         fs::remove_all(registry_.Folder());
         fs::create_directories(registry_.Folder());
         Sql(sql);
-        EXPECT_EQ(Write(1), static_cast<LSTATUS>(ERROR_REGISTRY_CORRUPT));
+        EXPECT_EQ(Write(1), Status(ERROR_REGISTRY_CORRUPT));
     }
 }
 
 TEST_F(RegistryFiles, ThatCannotBeMade) {
     fs::create_directories(registry_.Folder());
     fs::create_directory(File());
-    EXPECT_EQ(Write(1), static_cast<LSTATUS>(ERROR_CANTOPEN)) << "a folder of that name";
+    EXPECT_EQ(Write(1), Status(ERROR_CANTOPEN)) << "a folder of that name";
     const support::ScopedVariable below(u"KT_REGISTRY", u"/dev/null/registry");
     EXPECT_NE(Write(1), 0);
-    EXPECT_EQ(Read(), static_cast<LSTATUS>(ERROR_FILE_NOT_FOUND)) << "nothing is there";
+    EXPECT_EQ(Read(), Status(ERROR_FILE_NOT_FOUND)) << "nothing is there";
 }
 
 TEST_F(RegistryFiles, LockedByAnotherGiveUpAfterAWhile) {
@@ -180,8 +180,8 @@ TEST_F(RegistryFiles, LockedByAnotherGiveUpAfterAWhile) {
                                         platform::Wide((registry_.Folder() / ".").string()).c_str());
     EXPECT_EQ(Read(), 0);
     ScopedKey key;
-    EXPECT_EQ(RegCreateKeyW(HKEY_CURRENT_USER, u"Software\\Other", key.Out()), static_cast<LSTATUS>(ERROR_BUSY));
-    EXPECT_EQ(Write(2), static_cast<LSTATUS>(ERROR_BUSY));
+    EXPECT_EQ(RegCreateKeyW(HKEY_CURRENT_USER, u"Software\\Other", key.Out()), Status(ERROR_BUSY));
+    EXPECT_EQ(Write(2), Status(ERROR_BUSY));
     sqlite3_close(other);
     EXPECT_EQ(Write(2), 0);
     platform::g_registry_patience = 3000;
@@ -200,10 +200,10 @@ TEST_F(RegistryFiles, ThatMayOnlyBeReadAreRead) {
     EXPECT_EQ(Read(&number), 0);
     EXPECT_EQ(number, 7u);
     if (!may_write_all_the_same) {
-        EXPECT_EQ(Write(8), static_cast<LSTATUS>(ERROR_ACCESS_DENIED));
+        EXPECT_EQ(Write(8), Status(ERROR_ACCESS_DENIED));
         ScopedKey key;
         EXPECT_EQ(RegCreateKeyW(HKEY_CURRENT_USER, u"Software\\Test", key.Out()), 0) << "it is there";
-        EXPECT_EQ(RegDeleteKeyW(HKEY_CURRENT_USER, u"Software\\Test"), static_cast<LSTATUS>(ERROR_ACCESS_DENIED));
+        EXPECT_EQ(RegDeleteKeyW(HKEY_CURRENT_USER, u"Software\\Test"), Status(ERROR_ACCESS_DENIED));
     }
     chmod(registry_.Folder().c_str(), 0755);
 }

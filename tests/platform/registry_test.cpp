@@ -9,16 +9,16 @@
 #include <memory>
 #include <thread>
 
-#include "platform/faults.h"
 #include "platform/scoped.h"
 #include "support/child_roles.h"
-#include "support/failing_new.h"
+#include "support/fail_each.h"
 #include "support/temp_file.h"
 #include "support/test_registry.h"
 
 namespace {
 
 using platform::ScopedKey;
+using support::Status;
 
 const BYTE* Bytes(const void* data) { return static_cast<const BYTE*>(data); }
 
@@ -61,13 +61,11 @@ class Registry : public testing::Test {
 };
 
 TEST_F(Registry, KeepsValuesOfEveryTypeUnderNamesWithoutCase) {
-    struct Row {
-        const WCHAR* name;
-        const WCHAR* asked;
+    const struct {
+        const WCHAR *name, *asked;
         DWORD type;
         std::string data;
-    };
-    const Row kRows[] = {
+    } kRows[] = {
         {W("Number"), W("NUMBER"), REG_DWORD, std::string("\1\0\0\0", 4)},
         {W("\u00E4\u03B1\u0434"), W("\u00C4\u0391\u0414"), REG_SZ, std::string("t\0\0\0", 4)},
         {W("binary"), W("Binary"), REG_BINARY, std::string("\0\1\0", 3)},
@@ -77,14 +75,14 @@ TEST_F(Registry, KeepsValuesOfEveryTypeUnderNamesWithoutCase) {
         {W("\u0131"), W("\u0131"), REG_BINARY, "the dotless i is another letter"},
         {W(" "), W(" "), REG_BINARY, "a blank"},
     };
-    for (const Row& row : kRows) EXPECT_EQ(Set(row.name, row.type, row.data), 0);
-    for (const Row& row : kRows) EXPECT_EQ(Get(row.asked), (Value{0, row.type, row.data})) << row.data;
+    for (const auto& row : kRows) EXPECT_EQ(Set(row.name, row.type, row.data), 0);
+    for (const auto& row : kRows) EXPECT_EQ(Get(row.asked), (Value{0, row.type, row.data})) << row.data;
 
     EXPECT_EQ(Set(W("NUMBER"), REG_SZ, "new"), 0);
     EXPECT_EQ(Get(W("Number")), (Value{0, REG_SZ, "new"}));
     EXPECT_EQ(RegDeleteValueW(key_.Get(), W("nUmber")), 0);
-    EXPECT_EQ(RegDeleteValueW(key_.Get(), W("number")), static_cast<LSTATUS>(ERROR_FILE_NOT_FOUND));
-    EXPECT_EQ(Get(W("Number")).result, static_cast<LSTATUS>(ERROR_FILE_NOT_FOUND));
+    EXPECT_EQ(RegDeleteValueW(key_.Get(), W("number")), Status(ERROR_FILE_NOT_FOUND));
+    EXPECT_EQ(Get(W("Number")).result, Status(ERROR_FILE_NOT_FOUND));
     EXPECT_EQ(Set(W("large"), REG_BINARY, std::string(300'000, 'l')), 0);
 
     DWORD values = 0, name_length = 0, data_bytes = 0, keys = 9;
@@ -101,8 +99,7 @@ TEST_F(Registry, TellsSizeAndTypeOfAValue) {
     ASSERT_EQ(Set(W("v"), REG_BINARY, "12345"), 0);
     struct Row {
         bool has_buffer;
-        DWORD room;
-        DWORD result;
+        DWORD room, result;
     };
     for (const Row& row : {Row{false, 0, 0}, Row{false, 2, 0}, Row{true, 5, 0}, Row{true, 9, 0},
                            Row{true, 4, ERROR_MORE_DATA}, Row{true, 0, ERROR_MORE_DATA}}) {
@@ -110,15 +107,14 @@ TEST_F(Registry, TellsSizeAndTypeOfAValue) {
         std::memset(data, 'x', sizeof data);
         DWORD bytes = row.room, type = 0;
         EXPECT_EQ(RegQueryValueExW(key_.Get(), W("v"), nullptr, &type, row.has_buffer ? data : nullptr, &bytes),
-                  static_cast<LSTATUS>(row.result));
+                  Status(row.result));
         EXPECT_EQ(bytes, 5u);
         EXPECT_EQ(type, REG_BINARY);
         EXPECT_EQ(data[std::min<DWORD>(row.room, 5)], 'x') << "nothing behind what was asked for";
     }
     EXPECT_EQ(RegQueryValueExW(key_.Get(), W("v"), nullptr, nullptr, nullptr, nullptr), 0);
     BYTE byte = 0;
-    EXPECT_EQ(RegQueryValueExW(key_.Get(), W("v"), nullptr, nullptr, &byte, nullptr),
-              static_cast<LSTATUS>(ERROR_INVALID_PARAMETER));
+    EXPECT_EQ(RegQueryValueExW(key_.Get(), W("v"), nullptr, nullptr, &byte, nullptr), Status(ERROR_INVALID_PARAMETER));
 }
 
 TEST_F(Registry, MakesAndFindsKeysByPath) {
@@ -141,8 +137,7 @@ TEST_F(Registry, MakesAndFindsKeysByPath) {
     EXPECT_EQ(Names(key_.Get()), (std::vector<std::string>{"Ab\u00E4", "alpha", "Beta"})) << "as first written";
     WCHAR name[3];
     DWORD length = 3;
-    EXPECT_EQ(RegEnumKeyExW(key_.Get(), 0, name, &length, nullptr, nullptr, nullptr, nullptr),
-              static_cast<LSTATUS>(ERROR_MORE_DATA));
+    EXPECT_EQ(RegEnumKeyExW(key_.Get(), 0, name, &length, nullptr, nullptr, nullptr, nullptr), Status(ERROR_MORE_DATA));
     DWORD keys = 0, longest = 0;
     EXPECT_EQ(RegQueryInfoKeyW(key_.Get(), nullptr, nullptr, nullptr, &keys, &longest, nullptr, nullptr, nullptr,
                                nullptr, nullptr, nullptr),
@@ -159,12 +154,12 @@ TEST_F(Registry, MakesAndFindsKeysByPath) {
                            {W(""), 0},
                            {nullptr, 0},
                            {W("Beta"), 0}}) {
-        EXPECT_EQ(RegOpenKeyExW(key_.Get(), row.path, 0, KEY_READ, opened.Out()), static_cast<LSTATUS>(row.result));
+        EXPECT_EQ(RegOpenKeyExW(key_.Get(), row.path, 0, KEY_READ, opened.Out()), Status(row.result));
         EXPECT_EQ(static_cast<bool>(opened), row.result == 0);
     }
     EXPECT_EQ(RegCreateKeyW(key_.Get(), WString(255, W('n')).c_str(), made.Out()), 0);
     EXPECT_EQ(RegCreateKeyW(key_.Get(), W("two\\\\parts\\"), made.Out()), 0);
-    EXPECT_EQ(RegCreateKeyW(key_.Get(), W("\\leading"), made.Out()), static_cast<LSTATUS>(ERROR_BAD_PATHNAME));
+    EXPECT_EQ(RegCreateKeyW(key_.Get(), W("\\leading"), made.Out()), Status(ERROR_BAD_PATHNAME));
     EXPECT_EQ(RegOpenKeyExW(key_.Get(), W("TWO\\Parts"), 0, KEY_READ, opened.Out()), 0);
 }
 
@@ -173,26 +168,26 @@ TEST_F(Registry, DeletesOnlyKeysWithNothingBelow) {
     ASSERT_EQ(RegCreateKeyW(key_.Get(), W("upper"), upper.Out()), 0);
     ASSERT_EQ(RegCreateKeyW(upper.Get(), W("lower"), lower.Out()), 0);
     ASSERT_EQ(Set(W("v"), REG_SZ, "old", lower.Get()), 0);
-    EXPECT_EQ(RegDeleteKeyW(key_.Get(), W("upper")), static_cast<LSTATUS>(ERROR_ACCESS_DENIED));
+    EXPECT_EQ(RegDeleteKeyW(key_.Get(), W("upper")), Status(ERROR_ACCESS_DENIED));
     EXPECT_EQ(RegDeleteKeyW(key_.Get(), W("UPPER\\Lower")), 0);
-    EXPECT_EQ(RegDeleteKeyW(key_.Get(), W("upper\\lower")), static_cast<LSTATUS>(ERROR_FILE_NOT_FOUND));
+    EXPECT_EQ(RegDeleteKeyW(key_.Get(), W("upper\\lower")), Status(ERROR_FILE_NOT_FOUND));
 
     // The handle of a key that has gone is of no use, also when a new key has taken its name.
     ScopedKey again;
     ASSERT_EQ(RegCreateKeyW(upper.Get(), W("lower"), again.Out()), 0);
-    EXPECT_EQ(Get(W("v"), again.Get()).result, static_cast<LSTATUS>(ERROR_FILE_NOT_FOUND));
-    EXPECT_EQ(Set(W("v"), REG_SZ, "new", lower.Get()), static_cast<LSTATUS>(ERROR_KEY_DELETED));
-    EXPECT_EQ(Get(W("v"), lower.Get()).result, static_cast<LSTATUS>(ERROR_KEY_DELETED));
+    EXPECT_EQ(Get(W("v"), again.Get()).result, Status(ERROR_FILE_NOT_FOUND));
+    EXPECT_EQ(Set(W("v"), REG_SZ, "new", lower.Get()), Status(ERROR_KEY_DELETED));
+    EXPECT_EQ(Get(W("v"), lower.Get()).result, Status(ERROR_KEY_DELETED));
     ScopedKey none;
-    EXPECT_EQ(RegCreateKeyW(lower.Get(), W("x"), none.Out()), static_cast<LSTATUS>(ERROR_KEY_DELETED));
-    EXPECT_EQ(RegOpenKeyExW(lower.Get(), W("x"), 0, KEY_READ, none.Out()), static_cast<LSTATUS>(ERROR_KEY_DELETED));
+    EXPECT_EQ(RegCreateKeyW(lower.Get(), W("x"), none.Out()), Status(ERROR_KEY_DELETED));
+    EXPECT_EQ(RegOpenKeyExW(lower.Get(), W("x"), 0, KEY_READ, none.Out()), Status(ERROR_KEY_DELETED));
 }
 
 TEST_F(Registry, GrantsWhatAHandleWasOpenedFor) {
     ASSERT_EQ(Set(W("v"), REG_SZ, "x"), 0);
     ScopedKey key, sub;
     ASSERT_EQ(RegCreateKeyW(key_.Get(), W("there"), sub.Out()), 0);
-    constexpr auto kDenied = static_cast<LSTATUS>(ERROR_ACCESS_DENIED);
+    constexpr auto kDenied = Status(ERROR_ACCESS_DENIED);
     ASSERT_EQ(RegOpenKeyExW(key_.Get(), W(""), 0, KEY_READ, key.Out()), 0);
     EXPECT_EQ(Get(W("v"), key.Get()).data, "x");
     EXPECT_EQ(Set(W("v"), REG_SZ, "y", key.Get()), kDenied);
@@ -211,7 +206,7 @@ TEST_F(Registry, KnowsAKeyFromAnythingElse) {
     const platform::ScopedHandle mutex(CreateMutexW(nullptr, FALSE, nullptr));
     for (const HKEY wild : {closed, static_cast<HKEY>(nullptr), static_cast<HKEY>(mutex.Get()),
                             reinterpret_cast<HKEY>(static_cast<uintptr_t>(0x12345678))}) {
-        constexpr auto kInvalid = static_cast<LSTATUS>(ERROR_INVALID_HANDLE);
+        constexpr auto kInvalid = Status(ERROR_INVALID_HANDLE);
         HKEY out = key_.Get();
         DWORD length = 9;
         WCHAR name[9];
@@ -238,7 +233,7 @@ TEST_F(Registry, HivesAreApart) {
         GTEST_SKIP() << "this user may not write for the whole machine";
     }
     ASSERT_EQ(Set(W("v"), REG_SZ, "user"), 0);
-    EXPECT_EQ(Get(W("v"), machine.Get()).result, static_cast<LSTATUS>(ERROR_FILE_NOT_FOUND));
+    EXPECT_EQ(Get(W("v"), machine.Get()).result, Status(ERROR_FILE_NOT_FOUND));
 }
 
 // --- Several at once
@@ -332,25 +327,8 @@ TEST_F(Registry, FailsCleanlyWhereMemoryOrACallFails) {
                RegDeleteValueW(key.Get(), W("a value's name")) == 0 && RegDeleteKeyW(key_.Get(), W("a\\b")) == 0 &&
                RegOpenKeyExW(key_.Get(), W("a"), 0, KEY_READ, key.Out()) == 0;
     };
-    for (int n = 0;; ++n) {
-        ASSERT_LT(n, 1000);
-        const FailingNew fail(n);
-        const bool succeeded = use_all();
-        if (!fail.Hit()) {
-            EXPECT_TRUE(succeeded);
-            break;
-        }
-    }
-    for (int n = 0;; ++n) {
-        platform::faults::FailAfter(n);
-        const bool succeeded = use_all();
-        if (!platform::faults::Hit()) {
-            EXPECT_TRUE(succeeded);
-            break;
-        }
-        EXPECT_FALSE(succeeded) << n;
-    }
-    platform::faults::Clear();
+    support::FailEach<FailingNew>(use_all, [](bool succeeded, bool hit) { EXPECT_TRUE(succeeded || hit); });
+    support::FailEach<support::FailingCall>(use_all, [](bool succeeded, bool hit) { EXPECT_EQ(succeeded, !hit); });
 }
 
 }  // namespace

@@ -79,14 +79,12 @@ TEST_F(Resources, AreFoundByTypeNameAndLanguage) {
     const std::string image = MakeImage();
     EXPECT_EQ(Find(RT_STRING, MAKEINTRESOURCEW(7), 0), "error 1812");
     ASSERT_TRUE(platform::RegisterResources(kModule, image.data(), image.size()));
-    struct Row {
+    const struct {
         const WCHAR* user;  // KT_LCID
-        const WCHAR* type;
-        const WCHAR* name;
+        const WCHAR *type, *name;
         WORD language;
         std::string expected;
-    };
-    const Row rows[] = {
+    } rows[] = {
         {W("0x409"), RT_STRING, MAKEINTRESOURCEW(7), 0x0407, "deutsch"},
         {W("0x409"), RT_STRING, MAKEINTRESOURCEW(7), 0x040C, "francais"},
         {W("0x409"), RT_STRING, MAKEINTRESOURCEW(7), 0x0807, "error 1815"},
@@ -107,7 +105,7 @@ TEST_F(Resources, AreFoundByTypeNameAndLanguage) {
         {W("0x409"), MAKEINTRESOURCEW(kData), W("picture"), 0, std::string(1000, 'p')},
         {W("0x409"), nullptr, nullptr, 0, ""},
     };
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         const support::ScopedVariable user(W("KT_LCID"), row.user);
         EXPECT_EQ(Find(row.type, row.name, row.language), row.expected);
     }

@@ -69,15 +69,14 @@ TEST(WidePrintf, FollowsTheMicrosoftReading) {
 }
 
 TEST(WidePrintf, CutsAtTheSizeWithoutTerminator) {
-    struct Row {
+    const struct {
         std::size_t size;
         int result;
         const char* buffer;  // the first five characters; # is the terminator, ~ what was there before
-    };
-    const Row rows[] = {
+    } rows[] = {
         {5, 3, "abc#~"}, {4, 3, "abc#~"}, {3, 3, "abc~~"}, {2, -1, "ab~~~"}, {1, -1, "a~~~~"}, {0, -1, "~~~~~"},
     };
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         WCHAR out[6] = {'~', '~', '~', '~', '~', 0};
         EXPECT_EQ(_snwprintf(out, row.size, W("%s"), W("abc")), row.result) << row.size;
         for (WCHAR& c : out) c = c == 0 ? WCHAR{'#'} : c;

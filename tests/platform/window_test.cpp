@@ -7,8 +7,11 @@
 #include "platform/faults.h"
 #include "platform/files.h"
 #include "platform/text.h"
+#include "support/last_error.h"
 
 namespace {
+
+using support::ErrorOf;
 
 HWND Make(const WCHAR* name, HWND parent = nullptr, int id = 0, DWORD style = 0) {
     return CreateWindowExW(0, name, W("text"), style | (parent ? WS_CHILD : 0), 0, 0, 10, 10, parent,
@@ -75,8 +78,7 @@ TEST_F(Windows, LiveAndDieWithTheirParents) {
         EXPECT_EQ(GetWindowLongPtrW(gone, GWLP_USERDATA), 0);
         EXPECT_EQ(GetDlgItem(gone, 1), nullptr);
         SetLastError(0);
-        EXPECT_FALSE(DestroyWindow(gone));
-        EXPECT_NE(GetLastError(), 0u);
+        EXPECT_NE(ErrorOf(DestroyWindow(gone)), 0u);
     }
 }
 
@@ -86,9 +88,8 @@ TEST_F(Windows, MayBeRefused) {
         EXPECT_EQ(Make(W("WindowsRecording")), nullptr);
     }
     g_refused = 0;
-    EXPECT_EQ(Make(W("NoSuchClass")), nullptr);
-    EXPECT_EQ(RegisterClassExW(&recording_), 0);
-    EXPECT_EQ(GetLastError(), DWORD{ERROR_CLASS_ALREADY_EXISTS});
+    EXPECT_NE(ErrorOf(Make(W("NoSuchClass"))), 0u);
+    EXPECT_EQ(ErrorOf(RegisterClassExW(&recording_)), DWORD{ERROR_CLASS_ALREADY_EXISTS});
     EXPECT_FALSE(UnregisterClassW(W("NoSuchClass"), nullptr));
     EXPECT_EQ(Make(W("STATIC"), nullptr, 0, WS_CHILD), nullptr);
     platform::faults::FailAfter(0);
@@ -101,8 +102,7 @@ TEST_F(Windows, MayBeRefused) {
 TEST_F(Windows, AreNoOtherHandles) {
     const HWND window = Make(W("STATIC"));
     SetLastError(0);
-    EXPECT_FALSE(CloseHandle(window));
-    EXPECT_EQ(GetLastError(), ERROR_INVALID_HANDLE);
+    EXPECT_EQ(ErrorOf(CloseHandle(window)), ERROR_INVALID_HANDLE);
     EXPECT_TRUE(IsWindow(window));
     EXPECT_TRUE(DestroyWindow(window));
 }

@@ -80,8 +80,7 @@ TEST_F(SdkInterfaces, SymbolTablesBySlots) {
         const char* name;
         size_t symbols;
         uint32_t flags;
-        const char* first;
-        const char* last;
+        const char *first, *last;
     } rows[] = {{"ClipApi", 62, 0, "R3D_AAB", "R3D_HAF"},        {"MetadataApi", 13, 0, "R3D_BAB", "R3D_BAM"},
                 {"AsyncDecoderApi", 8, 0, "R3D_CAB", "R3D_CAG"}, {"RedRocketApi", 13, 0, "R3D_DAB", "R3D_DAP"},
                 {"StreamApi", 14, 0, "R3D_EAB", "R3D_GAD"},      {"REDCLAPI", 9, 2, nullptr, nullptr},

@@ -114,13 +114,9 @@ TEST_F(SdkSearch, WhichLibraryIsTaken) {
     const char* const kBelow = "[FAIL VER  ] (0) dynamic version below 7.0.3\n";
     const char* const kDemanding = "[FAIL VER  ] (0) static version too old: 7.0.3\n";
     const struct {
-        const char* what;
-        const char* folder;
-        const char* environment;
-        const char* says;
+        const char *what, *folder, *environment, *says;
         int32_t status;
-        const char* loaded;
-        const char* line;
+        const char *loaded, *line;
     } rows[] = {
         {"a plain library", "@plain", "", "", 0, " plain [@plain\\]", kDone},
         {"its separator is kept", "@good/", "", "", 0, " good [@good/]", ": @good/\n"},

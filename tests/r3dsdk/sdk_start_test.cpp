@@ -63,8 +63,7 @@ TEST_F(SdkStart, LibrariesEndInReverseOrder) {
 
 TEST_F(SdkStart, ImportsThatFail) {
     const struct {
-        const char* file;
-        const char* says;
+        const char *file, *says;
         int32_t by_flags[4];  // flags 0, 1, 2, 4
         const char* line;
     } rows[] = {
@@ -106,10 +105,8 @@ TEST_F(SdkStart, TwentyPlacesForLibraries) {
 
 TEST_F(SdkStart, WhereATableComesFrom) {
     const struct {
-        const char* folder;
-        const char* says;
-        uint32_t options;
-        uint32_t skip_match;
+        const char *folder, *says;
+        uint32_t options, skip_match;
         int32_t status;
         const char* lines;
     } rows[] = {

@@ -1,11 +1,11 @@
 // The way of the decode settings: from the clip, its settings file and the open dialog into each frame.
 #include <cstring>
-#include <functional>
 
 #include "platform/modules.h"
 #include "platform/text.h"
-#include "settings/properties_panel.h"
+#include "support/answering_host.h"
 #include "support/temp_file.h"
+#include "support/whole_file.h"
 #include "tests/reader/reader_scene.h"
 
 namespace reader_tests {
@@ -43,12 +43,7 @@ class FrameSettings : public ReaderTest {
         EXPECT_EQ(Told().jobs.size(), 1u);
         return Told().jobs.empty() ? DecodeSettingsRecord{} : Told().jobs[0].settings;
     }
-    void WriteSettings(std::string_view text) const {
-        const platform::ScopedHandle file(
-            ::CreateFileW(settings_.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr));
-        DWORD written = 0;
-        ASSERT_TRUE(WriteFile(file.Get(), text.data(), static_cast<DWORD>(text.size()), &written, nullptr));
-    }
+    void WriteSettings(std::string_view text) const { support::WriteWhole(settings_.c_str(), text); }
     bool HasSettingsFile() const { return GetFileAttributesW(settings_.c_str()) != INVALID_FILE_ATTRIBUTES; }
 
     const support::TempFile folder_{""};
@@ -103,24 +98,6 @@ TEST_F(FrameSettings, NeedNoPathThatHasRoomForAFile) {
     EXPECT_EQ(SettingsOfFrame(VideoOf(file.Get()).Get()).tint, 12.5f);
 }
 
-// A host that answers the dialog itself: it edits, looks at a frame, and says OK or Cancel.
-struct AnsweringSink final : IKtPropertiesSink, IKtPropertiesAnswer {
-    std::function<HRESULT(IKtPropertiesPanel&)> edit;
-    IKtReadVideoStream* told_of = nullptr;
-
-    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID id, void** out) override {
-        *out = id == IID_IKtPropertiesAnswer ? static_cast<IKtPropertiesAnswer*>(this) : nullptr;
-        return *out ? S_OK : E_NOINTERFACE;
-    }
-    ULONG STDMETHODCALLTYPE AddRef() override { return 2; }
-    ULONG STDMETHODCALLTYPE Release() override { return 1; }
-    HRESULT STDMETHODCALLTYPE OnPropertiesChanged(IKtReadVideoStream* stream, uint32_t) override {
-        told_of = stream;
-        return S_OK;
-    }
-    HRESULT STDMETHODCALLTYPE Answer(IKtPropertiesPanel* panel) override { return edit(*panel); }
-};
-
 TEST_F(FrameSettings, TakeTheOpenDialogAndThenWhatItLeaves) {
     WriteSettings("Tint=4|");
     const auto file = OpenFile(clip_.c_str());
@@ -131,10 +108,10 @@ TEST_F(FrameSettings, TakeTheOpenDialogAndThenWhatItLeaves) {
     EXPECT_EQ(properties->GatherProperties(nullptr), S_OK);
     EXPECT_EQ(file->IsOpen(), S_OK);
 
-    AnsweringSink answer;
+    support::AnsweringHost answer;
     answer.edit = [&](IKtPropertiesPanel& panel) {
         EXPECT_EQ(panel.SetValue("Tint", "-7"), S_OK);
-        EXPECT_EQ(answer.told_of, video.Get());
+        EXPECT_EQ(answer.stream, video.Get());
         EXPECT_EQ(SettingsOfFrame(video.Get()).tint, -7.0f);
         WriteSettings("Tint=99|");  // plays no part now
         EXPECT_EQ(SettingsOfFrame(video.Get()).tint, -7.0f);

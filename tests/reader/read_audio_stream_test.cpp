@@ -26,12 +26,6 @@ int32_t GoodSamples(const std::vector<float>& memory, uint64_t first, uint32_t c
     return static_cast<int32_t>(i / channels);
 }
 
-_ktwaveformat FormatOf(const _ktstreaminfo& info) {
-    _ktwaveformat format;
-    std::memcpy(&format, info.format, sizeof format);
-    return format;
-}
-
 TEST_F(ReadAudioStream, TellsLengthsAndFormats) {
     Told().clip.channel_mask = 0x37;  // three of the lowest four
     Told().clip.samples = 144000;
@@ -42,31 +36,23 @@ TEST_F(ReadAudioStream, TellsLengthsAndFormats) {
     EXPECT_EQ(audio->GetKind(kind, kind + 1, kind + 2), S_OK);
     EXPECT_EQ(kind[0], 1u);
     EXPECT_EQ(kind[1] + kind[2], 0u);
-    int64_t time = -1;
-    EXPECT_EQ(audio->GetDuration(&time), S_OK);
-    EXPECT_EQ(time, 30000000);
-    EXPECT_EQ(audio->GetStartTime(&time), S_OK);
-    EXPECT_EQ(time, 0);
-    uint64_t length = 0;
-    EXPECT_EQ(audio->GetLength(&length), S_OK);
-    EXPECT_EQ(length, 144000u);
-    uint32_t align = 0;
-    EXPECT_EQ(audio->GetBlockAlign(&align), S_OK);
-    EXPECT_EQ(align, 12u);
+    EXPECT_EQ(Got(audio, &IKtReadAudioStream::GetDuration), 30000000);
+    EXPECT_EQ(Got(audio, &IKtReadAudioStream::GetStartTime), 0);
+    EXPECT_EQ(Got(audio, &IKtReadAudioStream::GetLength), 144000u);
+    EXPECT_EQ(Got(audio, &IKtReadAudioStream::GetBlockAlign), 12u);
 
-    _ktstreaminfo info;
-    std::memset(static_cast<void*>(&info), 0x55, sizeof info);
-    ASSERT_EQ(audio->GetFormat(&info), S_OK);
+    _ktstreaminfo info = Got(audio, &IKtReadAudioStream::GetFormat);
     EXPECT_EQ(info.size, 184u);
     EXPECT_EQ(info.kind, 1u);
     EXPECT_EQ(info.length, 144000u);
     EXPECT_EQ(info.frameFormat.size, 0u);
-    EXPECT_EQ(FormatOf(info).sampleType, KTSAMPLETYPE_FLOAT32);
-    EXPECT_EQ(FormatOf(info).channels, 3);
-    EXPECT_EQ(FormatOf(info).averageBytesPerSecond, 576000u);
+    const auto delivered = FormatIn<_ktwaveformat>(info);
+    EXPECT_EQ(delivered.sampleType, KTSAMPLETYPE_FLOAT32);
+    EXPECT_EQ(delivered.channels, 3);
+    EXPECT_EQ(delivered.averageBytesPerSecond, 576000u);
     EXPECT_EQ(audio->CheckFormat(&info), S_FALSE);
-    ASSERT_EQ(audio->GetNativeFormat(&info), S_OK);
-    const _ktwaveformat native = FormatOf(info);
+    info = Got(audio, &IKtReadAudioStream::GetNativeFormat);
+    const auto native = FormatIn<_ktwaveformat>(info);
     EXPECT_EQ(native.size, 32u);
     EXPECT_EQ(native.flags, _ktwaveformat::kOpaque);
     EXPECT_EQ(native.formatTag, 0x30);
@@ -84,30 +70,25 @@ TEST_F(ReadAudioStream, TellsLengthsAndFormats) {
 }
 
 TEST_F(ReadAudioStream, ReadsUntilTheCountIsThere) {
-    struct Row {
+    const struct {
         std::vector<fake_decoder::AudioAnswer> answers;
         int32_t count;
         HRESULT result;
         int32_t read;
         std::size_t calls;
-    };
-    const Row kRows[] = {
-        {{}, 100, S_OK, 100, 1},
-        {{}, 0, S_OK, 0, 0},
-        {{}, -5, S_OK, 0, 0},
-        {{{0, 30}, {0, 30}}, 100, S_OK, 100, 3},
-        {{{0, 50}, {8, 0}}, 100, S_FALSE, 50, 2},
-        {{{8, 0}}, 100, E_FAIL, 0, 1},
-        {{{0, 50}, {0, 0}}, 100, S_FALSE, 50, 2},  // no more, though good
+    } kRows[] = {
+        {{}, 100, S_OK, 100, 1},       {{{0, 30}, {0, 30}}, 100, S_OK, 100, 3},
+        {{}, 0, S_OK, 0, 0},           {{{0, 50}, {8, 0}}, 100, S_FALSE, 50, 2},
+        {{}, -5, S_OK, 0, 0},          {{{0, 50}, {0, 0}}, 100, S_FALSE, 50, 2},  // no more, though good
+        {{{8, 0}}, 100, E_FAIL, 0, 1}, {{{0, 1}, {0, 1}, {-3, 0}}, 3, S_FALSE, 2, 3},
         {{{0, 0}}, 100, S_OK, 0, 1},
-        {{{0, 1}, {0, 1}, {-3, 0}}, 3, S_FALSE, 2, 3},
     };
     for (const uint32_t mask : {1u, 3u, 15u}) {
         Told().clip.channel_mask = mask;
         const auto channels = static_cast<uint32_t>(std::popcount(mask));
         const auto file = OpenFile();
         const auto audio = AudioOf(file.Get());
-        for (const Row& row : kRows) {
+        for (const auto& row : kRows) {
             SCOPED_TRACE(&row - kRows);
             Told().audio = {row.answers.begin(), row.answers.end()};
             Told().audio_calls.clear();
@@ -167,9 +148,7 @@ TEST_F(ReadAudioStream, RefusesWhatItCannotWriteTo) {
     EXPECT_EQ(audio->ReadSamples(0, nullptr, 100, &read), E_INVALIDARG);
     EXPECT_EQ(read, 0);
     _ktmemorytoken wild[4] = {token, token, token, token};
-    wild[0].size = 799;  // one byte less than a hundred samples
-    wild[1].size = 0x80000000;
-    wild[2].size = 0;
+    wild[0].size = 799, wild[1].size = 0x80000000, wild[2].size = 0;  // the first is short of one byte
     wild[3].address = 0;
     for (const auto& bad : wild) {
         read = -1;
@@ -184,10 +163,8 @@ TEST_F(ReadAudioStream, RefusesWhatItCannotWriteTo) {
 TEST_F(ReadAudioStream, ClipWithoutChannelsHasNoSound) {
     Told().clip.channel_mask = 0x10;
     const auto file = OpenFile();
-    uint64_t length = 9;
     const auto audio = AudioOf(file.Get());
-    EXPECT_EQ(audio->GetLength(&length), S_OK);
-    EXPECT_EQ(length, 0u);  // measuring ended before it
+    EXPECT_EQ(Got(audio, &IKtReadAudioStream::GetLength), 0u);  // measuring ended before it
     float samples[4] = {kUntouched, kUntouched, kUntouched, kUntouched};
     const auto token = TokenOf(samples, sizeof samples);
     int32_t read = -1;
@@ -195,12 +172,8 @@ TEST_F(ReadAudioStream, ClipWithoutChannelsHasNoSound) {
     EXPECT_EQ(read, 0);
     EXPECT_TRUE(Told().audio_calls.empty());
     EXPECT_EQ(samples[0], kUntouched);
-    int32_t count = 0;
-    EXPECT_EQ(file->GetStreamCount(&count), S_OK);
-    EXPECT_EQ(count, 2);
-    int64_t duration = -1;
-    EXPECT_EQ(file->GetDuration(&duration), S_OK);
-    EXPECT_EQ(duration, 0);  // the pictures are not reached
+    EXPECT_EQ(Got(file, &IKtReadFile::GetStreamCount), 2);
+    EXPECT_EQ(Got(file, &IKtReadFile::GetDuration), 0);  // the pictures are not reached
 }
 
 }  // namespace

@@ -7,6 +7,7 @@
 #include "reader/plugin_exports.h"
 #include "reader/plugin_module.h"
 #include "support/temp_file.h"
+#include "support/whole_file.h"
 #include "tests/reader/reader_scene.h"
 
 namespace reader_tests {
@@ -24,12 +25,6 @@ class ReadFileClass : public ReaderTest {
         return narrow;
     }
 };
-
-void WriteWhole(const WCHAR* path, std::string_view bytes) {
-    const platform::ScopedHandle file(::CreateFileW(path, GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr));
-    DWORD written = 0;
-    ASSERT_TRUE(WriteFile(file.Get(), bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr));
-}
 
 TEST_F(ReadFileClass, NamesTheFileType) {
     constexpr struct {
@@ -79,10 +74,10 @@ TEST_F(ReadFileClass, LooksIntoFiles) {
                                         {"....RED", E_FAIL},
                                         {"....RED1", S_OK},
                                         {"....RED9 and more", E_FAIL}}) {
-        WriteWhole(file.Path(), bytes);
+        support::WriteWhole(file.Path(), bytes);
         EXPECT_EQ(file_class_->CheckFile(file.Path()), result) << bytes;
     }
-    WriteWhole(file.Path(), "....RED2" + std::string(10000, 'x'));
+    support::WriteWhole(file.Path(), "....RED2" + std::string(10000, 'x'));
     EXPECT_EQ(file_class_->CheckFile(file.Path()), S_OK);
     EXPECT_EQ(file_class_->CheckFile(nullptr), E_FAIL);
     EXPECT_EQ(file_class_->CheckFile(W("")), E_FAIL);
@@ -94,9 +89,7 @@ TEST_F(ReadFileClass, CreatesNamedFilesAndOpensThemOnRequest) {
     ComPtr<IKtReadFile> file;
     ASSERT_EQ(file_class_->CreateNamed(file.Out(), 0, 0, kNoFile, 0xFFFFFFFE), S_OK);
     EXPECT_EQ(file->IsOpen(), S_FALSE);
-    int32_t streams = 0;
-    EXPECT_EQ(file->GetStreamCount(&streams), S_OK);
-    EXPECT_EQ(streams, 2);  // measured all the same
+    EXPECT_EQ(Got(file, &IKtReadFile::GetStreamCount), 2);  // measured all the same
     ASSERT_EQ(file_class_->CreateNamed(file.Out(), 0, 0, kNoFile, 1), S_OK);
     EXPECT_EQ(file->IsOpen(), S_OK);
 
@@ -192,19 +185,18 @@ TEST_F(ReadFileClass, ShowsItselfInTheAboutBox) {
 }
 
 TEST_F(ReadFileClass, IsMadeByItsFactoryAndByNoOther) {
-    struct Row {
-        CLSID class_id;
-        IID interface_id;
-        HRESULT result;
-        bool made;
-    };
     CLSID near_file_class = CLSID_KtReadFileClass;
     for (int i = 2; i < 8; ++i) near_file_class.Data4[i] = 0;
     CLSID far_file_class = CLSID_KtReadFileClass;
     far_file_class.Data4[1] ^= 1;
     CLSID near_info = CLSID_KtUnsharedFIOPluginInfo;
     near_info.Data4[7] ^= 1;
-    const Row kRows[] = {
+    const struct {
+        CLSID class_id;
+        IID interface_id;
+        HRESULT result;
+        bool made;
+    } kRows[] = {
         {CLSID_KtReadFileClass, IID_IKtReadFileClass, S_OK, true},
         {near_file_class, IID_IKtReadFileClass, S_OK, true},
         {CLSID_KtReadFileClass, IID_IUnknown, E_NOINTERFACE, false},
@@ -216,7 +208,7 @@ TEST_F(ReadFileClass, IsMadeByItsFactoryAndByNoOther) {
         {near_info, IID_IKtUnsharedFIOPluginInfo, S_OK, false},
         {IID_IUnknown, IID_IUnknown, S_OK, false},
     };
-    for (const Row& row : kRows) {
+    for (const auto& row : kRows) {
         ComPtr<IClassFactory> factory;
         ASSERT_EQ(DllGetClassObject(row.class_id, IID_IUnknown, factory.OutVoid()), S_OK);
         void* made = this;

@@ -39,14 +39,9 @@ std::string StreamText(IKtReadFile* file, int32_t stream, uint32_t key, HRESULT 
 
 TEST_F(ReadFile, IsMeasuredWhenItIsNamed) {
     auto file = EmptyFile();
-    int32_t count = -1;
-    EXPECT_EQ(file->GetStreamCount(&count), S_OK);
-    EXPECT_EQ(count, 0);
-    EXPECT_EQ(file->GetItemCount(&count), S_OK);
-    EXPECT_EQ(count, 0);
-    int64_t duration = -1;
-    EXPECT_EQ(file->GetDuration(&duration), S_OK);
-    EXPECT_EQ(duration, 0);
+    EXPECT_EQ(Got(file, &IKtReadFile::GetStreamCount), 0);
+    EXPECT_EQ(Got(file, &IKtReadFile::GetItemCount), 0);
+    EXPECT_EQ(Got(file, &IKtReadFile::GetDuration), 0);
     EXPECT_TRUE(TakeEvents().empty());
 
     EXPECT_EQ(file->SetFileName(kNoFile), S_OK);
@@ -54,12 +49,9 @@ TEST_F(ReadFile, IsMeasuredWhenItIsNamed) {
     EXPECT_EQ(file->IsOpen(), S_FALSE);
     EXPECT_EQ(file->SetFileName(kNoFile), S_OK);  // the same name again
     EXPECT_TRUE(TakeEvents().empty());
-    EXPECT_EQ(file->GetStreamCount(&count), S_OK);
-    EXPECT_EQ(count, 2);
-    EXPECT_EQ(file->GetItemCount(&count), S_OK);
-    EXPECT_EQ(count, 3);
-    EXPECT_EQ(file->GetDuration(&duration), S_OK);
-    EXPECT_EQ(duration, 100000000);
+    EXPECT_EQ(Got(file, &IKtReadFile::GetStreamCount), 2);
+    EXPECT_EQ(Got(file, &IKtReadFile::GetItemCount), 3);
+    EXPECT_EQ(Got(file, &IKtReadFile::GetDuration), 100000000);
 
     EXPECT_EQ(file->Open(0, 0), S_OK);
     EXPECT_EQ(file->IsOpen(), S_OK);
@@ -142,8 +134,7 @@ TEST_F(ReadFile, DescribesItsStreams) {
     EXPECT_EQ(info[0].frameFormat.frameRate, 24.0);
     EXPECT_EQ(info[0].frameFormat.size, 0u);
     EXPECT_EQ(info[0].frameFormat.pixelAspect, 0.0);
-    BITMAPINFOHEADER bitmap;
-    std::memcpy(&bitmap, info[0].format, sizeof bitmap);
+    const auto bitmap = FormatIn<BITMAPINFOHEADER>(info[0]);
     EXPECT_EQ(bitmap.biSize, 40u);
     EXPECT_EQ(bitmap.biWidth, 10);
     EXPECT_EQ(bitmap.biHeight, 6);
@@ -155,8 +146,7 @@ TEST_F(ReadFile, DescribesItsStreams) {
     EXPECT_EQ(info[1].kind, 1u);
     EXPECT_EQ(info[1].length, 480000u);
     EXPECT_EQ(info[1].frameFormat.frameRate, 0.0);
-    _ktwaveformat format;
-    std::memcpy(&format, info[1].format, sizeof format);
+    const auto format = FormatIn<_ktwaveformat>(info[1]);
     EXPECT_EQ(format.size, 32u);
     EXPECT_EQ(format.sampleType, KTSAMPLETYPE_FLOAT32);
     EXPECT_EQ(format.channels, 2);
@@ -175,18 +165,13 @@ TEST_F(ReadFile, RefusesStreamsThatItDoesNotHave) {
     _ktstreaminfo info[2] = {};
     info[0].size = 7;
     constexpr struct {
-        int32_t first;
-        int32_t count;
-        HRESULT with_sound;
-        HRESULT without_sound;
-    } kRows[] = {{0, 3, E_UNEXPECTED, E_UNEXPECTED},
-                 {1, 2, E_UNEXPECTED, E_UNEXPECTED},
-                 {2, 0, E_UNEXPECTED, E_UNEXPECTED},
-                 {-1, 1, E_UNEXPECTED, E_UNEXPECTED},
-                 {0, -1, E_UNEXPECTED, E_UNEXPECTED},
-                 {1, 0x7FFFFFFF, E_UNEXPECTED, E_UNEXPECTED},
-                 {0, 0, S_OK, S_OK},
-                 {1, 0, S_OK, E_UNEXPECTED}};
+        int32_t first, count;
+        HRESULT with_sound, without_sound;
+    } kRows[] = {
+        {0, 3, E_UNEXPECTED, E_UNEXPECTED}, {-1, 1, E_UNEXPECTED, E_UNEXPECTED},         {0, 0, S_OK, S_OK},
+        {1, 2, E_UNEXPECTED, E_UNEXPECTED}, {0, -1, E_UNEXPECTED, E_UNEXPECTED},         {1, 0, S_OK, E_UNEXPECTED},
+        {2, 0, E_UNEXPECTED, E_UNEXPECTED}, {1, 0x7FFFFFFF, E_UNEXPECTED, E_UNEXPECTED},
+    };
     for (const auto& row : kRows) {
         EXPECT_EQ(file->GetStreamInfo(info, row.first, row.count), row.with_sound) << row.first << " " << row.count;
         EXPECT_EQ(silent->GetStreamInfo(info, row.first, row.count), row.without_sound);
@@ -195,16 +180,10 @@ TEST_F(ReadFile, RefusesStreamsThatItDoesNotHave) {
     EXPECT_EQ(file->GetStreamInfo(nullptr, 0, 1), E_INVALIDARG);
     EXPECT_EQ(EmptyFile()->GetStreamInfo(info, 0, 0), E_UNEXPECTED);
 
-    int32_t count = 0;
-    EXPECT_EQ(silent->GetStreamCount(&count), S_OK);
-    EXPECT_EQ(count, 1);
-    EXPECT_EQ(silent->GetItemCount(&count), S_OK);
-    EXPECT_EQ(count, 2);
+    EXPECT_EQ(Got(silent, &IKtReadFile::GetStreamCount), 1);
+    EXPECT_EQ(Got(silent, &IKtReadFile::GetItemCount), 2);
     const auto audio = AudioOf(silent.Get());  // the object is there all the same
-    EXPECT_EQ(audio->GetFormat(info), S_OK);
-    _ktwaveformat format;
-    std::memcpy(&format, info[0].format, sizeof format);
-    EXPECT_EQ(format.channels, 0);
+    EXPECT_EQ(FormatIn<_ktwaveformat>(Got(audio, &IKtReadAudioStream::GetFormat)).channels, 0);
 
     constexpr struct {
         int32_t stream;
@@ -306,10 +285,6 @@ TEST_F(ReadFile, TellsItsDataRates) {
     EXPECT_EQ(StreamText(file.Get(), 1, 1, S_OK), "R3D Audio");
     EXPECT_EQ(StreamText(file.Get(), 0, 1, S_OK, 0), "untouched");
     EXPECT_EQ(StreamText(file.Get(), 0, 2, S_OK), "10x6x48");
-    if (locale.IsSet()) {
-        EXPECT_EQ(StreamText(file.Get(), 1, 2, S_OK), "48,000 Hz, 24 Bit, Stereo");
-        EXPECT_EQ(StreamText(file.Get(), 1, 2, S_OK, 7), "48,000");
-    }
     EXPECT_EQ(StreamText(file.Get(), 0, 3, S_OK), "2400000");
     EXPECT_EQ(StreamText(file.Get(), 1, 3, S_OK), "384000");
     EXPECT_EQ(StreamText(file.Get(), 1, 3, S_OK, 1), "");
@@ -320,34 +295,22 @@ TEST_F(ReadFile, TellsItsDataRates) {
         }
     }
 
-    struct Value {
-        int32_t stream;  // -2: of the file
-        uint32_t key;
-        uint32_t size;
-        HRESULT result;
-        uint64_t value;  // ~0: untouched
-    };
     constexpr uint64_t kUntouched = ~uint64_t{0};
     constexpr uint64_t kHigh = kUntouched << 32;
-    const Value kRows[] = {
-        {-2, 1, 4, S_OK, kHigh | (kVideo + kAudio)},
-        {-2, 5, 8, S_OK, kHigh | (kVideo + kAudio)},
-        {-2, 1, 3, S_FALSE, kUntouched},
-        {-2, 2, 8, S_FALSE, kUntouched},
-        {0, 1, 4, S_OK, kHigh | 0x56443352},
-        {1, 1, 8, S_OK, kHigh | 0x41443352},
-        {0, 1, 3, S_OK, kUntouched},
-        {2, 1, 4, S_FALSE, kUntouched},
-        {0, 2, 4, S_OK, kHigh | kVideo},
-        {1, 2, 4, S_OK, kHigh | kAudio},
-        {1, 2, 3, S_FALSE, kUntouched},
-        {-1, 2, 4, S_FALSE, kUntouched},
-        {7, 6, 8, S_OK, 0x4038000000000000},
-        {0, 6, 7, S_FALSE, kUntouched},
-        {0, 3, 8, S_FALSE, kUntouched},
+    const struct {
+        int32_t stream;  // -2: of the file
+        uint32_t key, size;
+        HRESULT result;
+        uint64_t value;  // ~0: untouched
+    } kRows[] = {
+        {0, 1, 3, S_OK, kUntouched},    {-2, 1, 3, S_FALSE, kUntouched}, {-2, 1, 4, S_OK, kHigh | (kVideo + kAudio)},
+        {2, 1, 4, S_FALSE, kUntouched}, {-2, 2, 8, S_FALSE, kUntouched}, {-2, 5, 8, S_OK, kHigh | (kVideo + kAudio)},
+        {1, 2, 3, S_FALSE, kUntouched}, {0, 2, 4, S_OK, kHigh | kVideo}, {0, 1, 4, S_OK, kHigh | 0x56443352},
+        {0, 6, 7, S_FALSE, kUntouched}, {1, 2, 4, S_OK, kHigh | kAudio}, {1, 1, 8, S_OK, kHigh | 0x41443352},
+        {0, 3, 8, S_FALSE, kUntouched}, {-1, 2, 4, S_FALSE, kUntouched}, {7, 6, 8, S_OK, 0x4038000000000000},
         {0, 0, 8, S_FALSE, kUntouched},
     };
-    for (const Value& row : kRows) {
+    for (const auto& row : kRows) {
         uint64_t value = kUntouched;
         const HRESULT result = row.stream == -2 ? file->GetFileValue(&value, row.size, row.key)
                                                 : file->GetStreamValue(&value, row.size, row.stream, row.key);
@@ -356,6 +319,9 @@ TEST_F(ReadFile, TellsItsDataRates) {
     }
     EXPECT_EQ(file->GetFileValue(nullptr, 4, 1), S_FALSE);
     EXPECT_EQ(file->GetStreamValue(nullptr, 4, 1, 2), E_INVALIDARG);
+    if (!locale.IsSet()) GTEST_SKIP() << locale.Lack();
+    EXPECT_EQ(StreamText(file.Get(), 1, 2, S_OK), "48,000 Hz, 24 Bit, Stereo");
+    EXPECT_EQ(StreamText(file.Get(), 1, 2, S_OK, 7), "48,000");
 }
 
 TEST_F(ReadFile, HasNoDataRateWithoutItsFile) {
@@ -370,7 +336,6 @@ TEST_F(ReadFile, HasNoDataRateWithoutItsFile) {
 }
 
 TEST_F(ReadFile, ChannelsHaveNames) {
-    const support::InLocale locale(0x0409);
     constexpr struct {
         uint32_t mask;
         const char* text;
@@ -378,7 +343,6 @@ TEST_F(ReadFile, ChannelsHaveNames) {
     for (const auto& row : kRows) {
         Told().clip.channel_mask = row.mask;
         const std::string text = StreamText(MeasuredFile().Get(), 1, 2, S_OK);
-        EXPECT_TRUE(text.ends_with(std::string("24 Bit, ") + row.text) || !locale.IsSet()) << text;
         EXPECT_TRUE(text.ends_with(row.text)) << text;
     }
 }
@@ -389,18 +353,17 @@ TEST_F(ReadFile, StandsWildClips) {
     MakeFile(path.Path(), 1000);
     constexpr uint64_t kMost = ~uint64_t{0};
     const float kNan = std::numeric_limits<float>::quiet_NaN();
-    struct Row {
+    const struct {
         uint64_t width, height, frames, largest, samples;
         float rate;
         uint32_t sample_rate, mask;
-    };
-    const Row kRows[] = {
+    } kRows[] = {
         {0, 0, 0, 0, 0, 0.0f, 0, 0},
         {kMost, kMost, kMost, kMost, kMost, 3e38f, 0xFFFFFFFF, 0xFFFFFFFF},
         {1, 1, 1, 1, 1, -1.0f, 1, 0xF},
         {1u << 31, 1u << 31, 0, uint64_t{1} << 62, 1, kNan, 1, 1},
     };
-    for (const Row& row : kRows) {
+    for (const auto& row : kRows) {
         fake_decoder::Clip& clip = Told().clip;
         clip.width = row.width, clip.height = row.height, clip.frames = row.frames, clip.frame_rate = row.rate;
         clip.largest_block = row.largest, clip.samples = row.samples;

@@ -34,12 +34,6 @@ struct Read {
     }
 };
 
-BITMAPINFOHEADER BitmapOf(const _ktstreaminfo& info) {
-    BITMAPINFOHEADER bitmap;
-    std::memcpy(&bitmap, info.format, sizeof bitmap);
-    return bitmap;
-}
-
 TEST_F(ReadVideoStream, TellsLengthsAndFormats) {
     Told().clip.width = 11;
     const auto file = MeasuredFile();
@@ -49,24 +43,15 @@ TEST_F(ReadVideoStream, TellsLengthsAndFormats) {
     EXPECT_EQ(kind[0], 2u);
     EXPECT_EQ(kind[1] + kind[2], 0u);
     EXPECT_EQ(video->GetKind(nullptr, nullptr, nullptr), S_OK);
-    int64_t time = -1;
-    EXPECT_EQ(video->GetDuration(&time), S_OK);
-    EXPECT_EQ(time, 100000000);
-    EXPECT_EQ(video->GetStartTime(&time), S_OK);
-    EXPECT_EQ(time, 0);
-    double number = 0.0;
-    EXPECT_EQ(video->GetFrameRate(&number), S_OK);
-    EXPECT_EQ(number, 24.0);
-    EXPECT_EQ(video->GetRatio(&number), S_OK);
-    EXPECT_EQ(number, 1.0);
+    EXPECT_EQ(Got(video, &IKtReadVideoStream::GetDuration), 100000000);
+    EXPECT_EQ(Got(video, &IKtReadVideoStream::GetStartTime), 0);
+    EXPECT_EQ(Got(video, &IKtReadVideoStream::GetFrameRate), 24.0);
+    EXPECT_EQ(Got(video, &IKtReadVideoStream::GetRatio), 1.0);
     EXPECT_EQ(video->SetRatio(-2.5), S_OK);
-    EXPECT_EQ(video->GetRatio(&number), S_OK);
-    EXPECT_EQ(number, -2.5);
+    EXPECT_EQ(Got(video, &IKtReadVideoStream::GetRatio), -2.5);
     EXPECT_EQ(video->SetUserValue(5), S_OK);
 
-    _ktstreaminfo info;
-    std::memset(static_cast<void*>(&info), 0x55, sizeof info);
-    ASSERT_EQ(video->GetNativeFormat(&info), S_OK);
+    _ktstreaminfo info = Got(video, &IKtReadVideoStream::GetNativeFormat);
     EXPECT_EQ(info.size, 184u);
     EXPECT_EQ(info.kind, 2u);
     EXPECT_EQ(info.length, 0u);
@@ -75,40 +60,37 @@ TEST_F(ReadVideoStream, TellsLengthsAndFormats) {
     EXPECT_EQ(info.frameFormat.frameRate, 24.0);
     EXPECT_EQ(info.frameFormat.pixelAspect, 1.0);
     EXPECT_EQ(info.frameFormat.gamma, 0.0);
-    EXPECT_EQ(BitmapOf(info).biBitCount, 48);
-    EXPECT_EQ(BitmapOf(info).biSizeImage, 6u * 80);  // 66 bytes a row, padded to 80
+    EXPECT_EQ(FormatIn<BITMAPINFOHEADER>(info).biBitCount, 48);
+    EXPECT_EQ(FormatIn<BITMAPINFOHEADER>(info).biSizeImage, 6u * 80);  // 66 bytes a row, padded to 80
 
     // What SetFormat may choose, and what it leaves.
-    struct Row {
+    const struct {
         LONG width, height;
         WORD bits;
         DWORD compression;
         HRESULT result;
         WORD reported;
         DWORD size;
-    };
-    const Row kRows[] = {
+    } kRows[] = {
         {11, 6, 128, 0, S_OK, 128, 11 * 6 * 16}, {11, 6, 48, 0, S_FALSE, 128, 11 * 6 * 16},
         {10, 6, 32, 0, S_OK, 128, 11 * 6 * 16},  {11, 7, 32, 0, S_OK, 128, 11 * 6 * 16},
         {11, 6, 32, 1, S_OK, 128, 11 * 6 * 16},  {11, 6, 32, 0, S_OK, 32, 11 * 6 * 4},
         {11, 6, 0, 0, S_FALSE, 32, 11 * 6 * 4},
     };
-    for (const Row& row : kRows) {
+    for (const auto& row : kRows) {
         _ktstreaminfo wanted = {};
         BITMAPINFOHEADER bitmap = {};
         bitmap.biWidth = row.width, bitmap.biHeight = row.height;
         bitmap.biBitCount = row.bits, bitmap.biCompression = row.compression;
         std::memcpy(wanted.format, &bitmap, sizeof bitmap);
         EXPECT_EQ(video->SetFormat(&wanted), row.result);
-        ASSERT_EQ(video->GetFormat(&info), S_OK);
-        EXPECT_EQ(BitmapOf(info).biBitCount, row.reported) << &row - kRows;
-        EXPECT_EQ(BitmapOf(info).biSizeImage, row.size) << &row - kRows;
+        info = Got(video, &IKtReadVideoStream::GetFormat);
+        EXPECT_EQ(FormatIn<BITMAPINFOHEADER>(info).biBitCount, row.reported) << &row - kRows;
+        EXPECT_EQ(FormatIn<BITMAPINFOHEADER>(info).biSizeImage, row.size) << &row - kRows;
         EXPECT_EQ(info.length, 0u);
     }
     EXPECT_EQ(video->Close(), S_OK);
-    uint64_t frames = 0;
-    EXPECT_EQ(video->GetLength(&frames), S_OK);
-    EXPECT_EQ(frames, 240u);
+    EXPECT_EQ(Got(video, &IKtReadVideoStream::GetLength), 240u);
 }
 
 TEST_F(ReadVideoStream, FrameFactsFollowTheRequest) {
@@ -118,16 +100,14 @@ TEST_F(ReadVideoStream, FrameFactsFollowTheRequest) {
     const auto video = VideoOf(file.Get());
     constexpr double kVideoGamma = 2.2222222222222223;
     const double kNan = std::numeric_limits<double>::quiet_NaN();
-    struct Row {
+    const struct {
         uint32_t bits;
-        double scale;
-        double gamma;
+        double scale, gamma;
         HRESULT result;
         LONG width, height;
         uint32_t bytes;
         double out_scale, out_gamma;
-    };
-    const Row kRows[] = {
+    } kRows[] = {
         {32, 1.0, 2.2, S_OK, 4096, 2161, 4096 * 2161 * 4, 1.0, 0.0},
         {32, 0.5, 0.0, S_OK, 2048, 1080, 2048 * 2161 * 4 / 2, 0.5, 0.0},  // more than width times height
         {128, 0.25, 0.0, S_OK, 1024, 540, 1024 * 2161 * 16 / 4, 0.25, 0.0},
@@ -139,7 +119,7 @@ TEST_F(ReadVideoStream, FrameFactsFollowTheRequest) {
         {48, 0.5, 0.0, E_INVALIDARG, 0, 0, 0, 0.5, 0.0},
         {0, 1.0, 0.0, E_INVALIDARG, 0, 0, 0, 1.0, 0.0},
     };
-    for (const Row& row : kRows) {
+    for (const auto& row : kRows) {
         SCOPED_TRACE(&row - kRows);
         const auto request = Request(row.bits, row.scale, 4, row.gamma);
         uint32_t bytes = 9;
@@ -209,21 +189,20 @@ TEST_F(ReadVideoStream, AsksTheDecoderForTheRightJob) {
     Told().clip.height = 19;
     const auto file = OpenFile();
     const auto video = VideoOf(file.Get());
-    struct Row {
+    const struct {
         uint32_t bits;
         double scale;
         uint32_t quality;
         const char* mode;
         uint32_t pixel_type;
         uint64_t row_bytes, bytes;
-    };
-    const Row kRows[] = {
+    } kRows[] = {
         {32, 1.0, 0, "PRFD", 0x42524138, 148, 148 * 19}, {128, 1.0, 4, "PRFD", 0x52423649, 222, 222 * 19},
         {32, 0.5, 3, "GRHD", 0x42524138, 72, 72 * 9},    {128, 0.5, 4, "PRHD", 0x52423649, 108, 108 * 9},
         {32, 0.25, 1, "GRQD", 0x42524138, 36, 36 * 4},   {128, 0.125, 1, "GRED", 0x52423649, 24, 24 * 2},
         {32, 0.0625, 4, "GRSD", 0x42524138, 8, 8},
     };
-    for (const Row& row : kRows) {
+    for (const auto& row : kRows) {
         SCOPED_TRACE(&row - kRows);
         Told().jobs.clear();
         const Read read(video.Get(), 7, Request(row.bits, row.scale, row.quality), 100000);

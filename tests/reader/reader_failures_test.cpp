@@ -1,17 +1,14 @@
 // The reader when things fail: memory, the platform's calls, the decoder library.
 #include <cstring>
 
-#include "platform/faults.h"
 #include "platform/text.h"
 #include "reader/plugin_module.h"
-#include "support/failing_new.h"
+#include "support/fail_each.h"
 #include "support/scoped_variable.h"
 #include "tests/reader/reader_scene.h"
 
 namespace reader_tests {
 namespace {
-
-namespace faults = platform::faults;
 
 class ReaderFailures : public ReaderTest {};
 
@@ -48,35 +45,29 @@ HRESULT RunSession(IKtReadFileClass* file_class) {
     return hr;
 }
 
+// The number of sessions that failed.
+template <class Failing>
+int FailSessions(IKtReadFileClass* file_class) {
+    int failures = 0;
+    support::FailEach<Failing>([&] { return RunSession(file_class); },
+                               [&](HRESULT hr, bool) {
+                                   EXPECT_TRUE(hr == S_OK || hr == E_OUTOFMEMORY || hr == E_FAIL) << std::hex << hr;
+                                   EXPECT_EQ(Decoder().live_clips, 0);
+                                   failures += FAILED(hr);
+                               });
+    return failures;
+}
+
 TEST_F(ReaderFailures, EachFailingAllocationIsAFailureAndLeavesNothing) {
     Told().remembers = false;
     ASSERT_EQ(RunSession(file_class_.Get()), S_OK);
-    int failures = 0;
-    for (int n = 0;; ++n) {
-        FailingNew fail(n);
-        const HRESULT hr = RunSession(file_class_.Get());
-        if (!fail.Hit()) break;
-        ASSERT_TRUE(hr == S_OK || hr == E_OUTOFMEMORY || hr == E_FAIL) << n << ": " << std::hex << hr;
-        failures += FAILED(hr);
-        ASSERT_EQ(Decoder().live_clips, 0) << n;
-    }
-    EXPECT_GT(failures, 0);
+    EXPECT_GT(FailSessions<FailingNew>(file_class_.Get()), 0);
 }
 
 TEST_F(ReaderFailures, EachFailingCallOfThePlatformIsAFailureAndLeavesNothing) {
     Told().remembers = false;
-    int failures = 0;
-    for (int n = 0;; ++n) {
-        faults::FailAfter(n);
-        const HRESULT hr = RunSession(file_class_.Get());
-        const bool hit = faults::Hit();
-        faults::Clear();
-        if (!hit) break;
-        ASSERT_TRUE(hr == S_OK || hr == E_OUTOFMEMORY || hr == E_FAIL) << n << ": " << std::hex << hr;
-        failures += FAILED(hr);
-        ASSERT_EQ(Decoder().live_clips, 0) << n;
-    }
-    if (faults::Hit() || failures == 0) GTEST_SKIP() << "nothing is failed on this platform";
+    const int failures = FailSessions<support::FailingCall>(file_class_.Get());
+    if (failures == 0) GTEST_SKIP() << "nothing is failed on this platform";
     EXPECT_GE(failures, 6);  // objects and mutexes of a file and of its copy, at the least
 }
 
@@ -84,42 +75,28 @@ TEST_F(ReaderFailures, AttachFailsWithTheKernelAndTheLanguageAlone) {
     file_class_.Reset();
     clipfio::DetachProcess();
     int refused = 0;
-    int failed = 0;
-    for (int n = 0;; ++n) {
-        faults::FailAfter(n);
-        const bool attached = clipfio::AttachProcess(nullptr);
-        const bool hit = faults::Hit();
-        faults::Clear();
-        EXPECT_TRUE(attached || hit) << n;
+    const auto attach = [] { return clipfio::AttachProcess(nullptr); };
+    const int failed = support::FailEach<support::FailingCall>(attach, [&](bool attached, bool hit) {
+        EXPECT_TRUE(attached || hit);
         refused += !attached;
-        failed += hit;
         clipfio::DetachProcess();
         EXPECT_EQ(clipfio::ProcessEditor(), nullptr);
         EXPECT_EQ(KtLang_GetLCID(clipfio::Module().hLang), 0u);
-        if (!hit) break;
-    }
+    });
     // At the least the two language contexts refuse, and the decoder's search does not.
     EXPECT_TRUE(failed == 0 || (refused >= 2 && refused < failed)) << refused << " of " << failed;
-    for (int n = 0;; ++n) {
-        FailingNew fail(n);
-        clipfio::AttachProcess(nullptr);
-        const bool hit = fail.Hit();
-        clipfio::DetachProcess();
-        if (!hit) break;
-    }
+    support::FailEach<FailingNew>(attach, [](bool, bool) { clipfio::DetachProcess(); });
     ASSERT_TRUE(AttachReader());
     file_class_ = NewFileClass();
     EXPECT_EQ(RunSession(file_class_.Get()), S_OK);
 }
 
 // Decoder libraries that cannot be used. The module attaches all the same, and clips do not open.
-struct BadDecoder {
-    const char* name;
-    const char* folder;
+const struct {
+    const char *name, *folder;
     uint32_t patch;
     int32_t phase_status[3];
-};
-const BadDecoder kBadDecoders[] = {
+} kBadDecoders[] = {
     {"none", "/no such folder", 3, {0, 0, 0}},
     {"old", CLIPFIO_FAKE_DECODER, 2, {0, 0, 0}},
     {"fails in phase 0", CLIPFIO_FAKE_DECODER, 3, {14, 0, 0}},
@@ -128,7 +105,7 @@ const BadDecoder kBadDecoders[] = {
 };
 
 TEST_F(ReaderFailures, BadDecoderLeavesTheModuleAndItsClassesWorking) {
-    for (const BadDecoder& bad : kBadDecoders) {
+    for (const auto& bad : kBadDecoders) {
         SCOPED_TRACE(bad.name);
         file_class_.Reset();
         clipfio::DetachProcess();

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <string>
 
 #include "platform/scoped.h"
@@ -50,6 +51,23 @@ ComPtr<Interface> StreamOf(IKtReadFile* file, int32_t stream) {
 
 inline ComPtr<IKtReadVideoStream> VideoOf(IKtReadFile* file) { return StreamOf<IKtReadVideoStream>(file, 0); }
 inline ComPtr<IKtReadAudioStream> AudioOf(IKtReadFile* file) { return StreamOf<IKtReadAudioStream>(file, 1); }
+
+// What an object's getter gives, which must not fail.
+template <class Interface, class Declaring, class Value>
+Value Got(const ComPtr<Interface>& object, HRESULT (STDMETHODCALLTYPE Declaring::*get)(Value*)) {
+    Value value;
+    std::memset(static_cast<void*>(&value), 0x55, sizeof value);
+    EXPECT_EQ((object.Get()->*get)(&value), S_OK);
+    return value;
+}
+
+// The record of a stream's format: a bitmap's, or that of sound.
+template <class Record>
+Record FormatIn(const _ktstreaminfo& info) {
+    Record record;
+    std::memcpy(static_cast<void*>(&record), info.format, sizeof record);
+    return record;
+}
 
 class ReaderTest : public testing::Test {
   protected:

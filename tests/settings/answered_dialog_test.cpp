@@ -4,43 +4,15 @@
 #include <limits>
 
 #include "settings/settings_fixture.h"
+#include "support/answering_host.h"
 
 namespace clipfio {
 namespace {
 
-// A host that edits without a window. Lives on the stack and counts its references.
-class Host final : public IKtPropertiesSink, public IKtPropertiesAnswer {
-  public:
-    std::function<HRESULT(IKtPropertiesPanel&)> edit;
-    std::function<void()> onChange = [] {};
-    bool answers = true;
-    int references = 1;
-    int changes = 0;
-    IKtReadVideoStream* stream = nullptr;
-
-    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID id, void** out) override {
-        *out = nullptr;
-        if (!answers || !(id == IID_IKtPropertiesAnswer)) return E_NOINTERFACE;
-        *out = static_cast<IKtPropertiesAnswer*>(this);
-        ++references;
-        return S_OK;
-    }
-    ULONG STDMETHODCALLTYPE AddRef() override { return static_cast<ULONG>(++references); }
-    ULONG STDMETHODCALLTYPE Release() override { return static_cast<ULONG>(--references); }
-    HRESULT STDMETHODCALLTYPE OnPropertiesChanged(IKtReadVideoStream* changed, uint32_t reserved) override {
-        EXPECT_EQ(reserved, 0u);
-        stream = changed;
-        ++changes;
-        onChange();
-        return E_FAIL;  // nobody cares
-    }
-    HRESULT STDMETHODCALLTYPE Answer(IKtPropertiesPanel* panel) override { return edit(*panel); }
-};
-
 class AnsweredDialogTest : public testing::Test {
   protected:
     MediaPropertyEditor editor_{MediaPropertyEditor::WithoutDecoder{}};
-    Host host_;
+    support::AnsweringHost host_;
     IKtReadVideoStream* const stream_ = reinterpret_cast<IKtReadVideoStream*>(&host_);  // only handed through
 
     void Begin(std::initializer_list<DecodeSettingsRecord> clips, const DecodeSettingsRecord& original = {}) {
@@ -120,54 +92,31 @@ TEST_F(AnsweredDialogTest, IsUpWhileItRuns) {
     EXPECT_EQ(host_.changes, 0);
 }
 
-struct InputCase {
-    const char* key;
-    const char* text;
+constexpr HRESULT kNoNumber = kKtPanelNotANumber, kOutside = kKtPanelOutOfRange, kNotOffered = kKtPanelNotOffered,
+                  kUnknown = kKtPanelUnknownKey;
+
+constexpr struct {
+    const char *key, *text;
     HRESULT result;
     const char* value = nullptr;  // as read back, when it differs from the text
-    bool is_in_force = false;     // before as well
-};
-
-constexpr InputCase kInputs[] = {
-    {"Tint", "12.5", S_OK},
-    {"Tint", "-100", S_OK},
-    {"Tint", "1e1", S_OK, "10"},
-    {"ColorTemperature", "100000", S_OK, "100000"},
-    {"Tint", "100.001", kKtPanelOutOfRange},
-    {"Tint", "1e999", kKtPanelOutOfRange},
-    {"Tint", "nan", kKtPanelNotANumber},
-    {"Tint", "inf", kKtPanelNotANumber},
-    {"Tint", "", kKtPanelNotANumber},
-    {"Tint", "1,5", kKtPanelNotANumber},
-    {"Tint", " 1", kKtPanelNotANumber},
-    {"Tint", "1 ", kKtPanelNotANumber},
-    {"UserCurveRed[3]", "0.4", S_OK},
-    {"UserCurveRed[3]", "1.5", kKtPanelOutOfRange},
-    {"UserCurveRed[10]", "0.5", kKtPanelUnknownKey},
-    {"ImageDenoise", "6", S_OK},
-    {"ImageDenoise", "7", kKtPanelNotOffered},
-    {"ImageDenoise", "-1", kKtPanelNotOffered},
-    {"ImageDenoise", "4294967296", kKtPanelNotOffered},
-    {"ImageDenoise", "99999999999999999999", kKtPanelNotOffered},
-    {"ImageDenoise", "Maximum", kKtPanelNotANumber},
-    {"ImageDenoise", "1.0", kKtPanelNotANumber},
-    {"ImageISO", "12800", S_OK},
-    {"ImageISO", "12801", kKtPanelNotOffered},
-    {"ColorVersion", "0", kKtPanelNotOffered},
-    {"ColorVersion", "3", S_OK, nullptr, true},  // the default, which the dialog does not offer
-    {"ImageGammaCurve", "12", S_OK, nullptr, true},
-    {"ImageGammaCurve", "11", kKtPanelNotOffered},
-    {"DEB", "1", S_OK},
-    {"DEB", "2", kKtPanelNotOffered},
-    {"DEB", "true", kKtPanelNotANumber},
-    {"tint", "1", kKtPanelUnknownKey},
-    {"", "1", kKtPanelUnknownKey},
-    {nullptr, "1", E_POINTER},
-    {"Tint", nullptr, E_POINTER},
+    bool is_in_force = false;     // before as well: a default that the dialog does not offer
+} kInputs[] = {
+    {"Tint", "12.5", S_OK},     {"Tint", "1e1", S_OK, "10"},        {"ColorTemperature", "100000", S_OK, "100000"},
+    {"Tint", "-100", S_OK},     {"Tint", "100.001", kOutside},      {"UserCurveRed[3]", "1.5", kOutside},
+    {"Tint", "nan", kNoNumber}, {"Tint", "1e999", kOutside},        {"UserCurveRed[10]", "0.5", kUnknown},
+    {"Tint", "inf", kNoNumber}, {"Tint", "1,5", kNoNumber},         {"ImageDenoise", "-1", kNotOffered},
+    {"Tint", "", kNoNumber},    {"UserCurveRed[3]", "0.4", S_OK},   {"ImageDenoise", "4294967296", kNotOffered},
+    {"Tint", " 1", kNoNumber},  {"ImageDenoise", "6", S_OK},        {"ImageISO", "99999999999999999999", kNotOffered},
+    {"Tint", "1 ", kNoNumber},  {"ImageDenoise", "7", kNotOffered}, {"ImageDenoise", "Maximum", kNoNumber},
+    {"DEB", "1", S_OK},         {"ImageDenoise", "1.0", kNoNumber}, {"ColorVersion", "0", kNotOffered},
+    {"DEB", "2", kNotOffered},  {"ImageISO", "12800", S_OK},        {"ColorVersion", "3", S_OK, nullptr, true},
+    {"tint", "1", kUnknown},    {"ImageISO", "12801", kNotOffered}, {"ImageGammaCurve", "12", S_OK, nullptr, true},
+    {"", "1", kUnknown},        {"DEB", "true", kNoNumber},         {"ImageGammaCurve", "11", kNotOffered},
+    {nullptr, "1", E_POINTER},  {"Tint", nullptr, E_POINTER},
 };
 
 TEST_F(AnsweredDialogTest, TakesWhatFitsAndRefusesTheRest) {
-    for (const InputCase& row : kInputs) {
+    for (const auto& row : kInputs) {
         SCOPED_TRACE(testing::Message() << (row.key ? row.key : "null") << "=" << (row.text ? row.text : "null"));
         Begin({{}});
         host_.changes = 0;

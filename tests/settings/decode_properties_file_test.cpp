@@ -74,12 +74,8 @@ TEST_F(DecodePropertiesFile, DefaultRecord) {
         "ImageISO=320|ImageOLPFCompensation=0|LggGainBlue=1|LggGainGreen=1|LggGainRed=1|LggGammaBlue=1|"
         "LggGammaGreen=1|LggGammaRed=1|LggLiftBlue=0|LggLiftGreen=0|LggLiftRed=0|Saturation=1|Shadow=0|Tint=0|";
     ASSERT_EQ(text.substr(0, expected.size()), expected);
-    std::string curves;
-    for (const char* name : {"UserCurveBlue", "UserCurveGreen", "UserCurveRed", "UserCurve"}) {
-        const char* const values[] = {"0", "0", "0.25", "0.25", "0.5", "0.5", "0.75", "0.75", "1", "1"};
-        for (int i = 0; i < 10; ++i) curves += std::string(name) + "[" + std::to_string(i) + "]=" + values[i] + "|";
-    }
-    EXPECT_EQ(text.substr(expected.size()), curves);
+    const char* const kStraight[] = {"0", "0.25", "0.5", "0.75", "1"};
+    EXPECT_EQ(text.substr(expected.size()), CurveEntries([&](const char*, int i) { return kStraight[i / 2]; }));
 }
 
 TEST_F(DecodePropertiesFile, ReadsBackWhatItWrote) {
@@ -158,18 +154,13 @@ DecodeSettingsRecord Oracle(std::string_view text, DecodeSettingsRecord record) 
             char* const field = reinterpret_cast<char*>(&record) + row.recordOffset;
             const long long whole = std::clamp(std::strtoll(value.c_str(), nullptr, 10), -0x80000000LL, 0x7FFFFFFFLL);
             const float number = static_cast<float>(std::atof(value.c_str()));
-            switch (row.kind) {
-                case PropertyKind::Boolean:
-                    *field = whole == 1;
-                    break;
-                case PropertyKind::StringCombo:
-                    std::memcpy(field, &whole, 4);
-                    break;
-                case PropertyKind::IntCombo:
-                    std::memcpy(field, &whole, 8);
-                    break;
-                default:
-                    std::memcpy(field, &number, 4);
+            const bool is_float = row.kind == PropertyKind::Float || row.kind == PropertyKind::Coordinate;
+            if (row.kind == PropertyKind::Boolean) {
+                *field = whole == 1;
+            } else if (is_float) {
+                std::memcpy(field, &number, 4);
+            } else {
+                std::memcpy(field, &whole, row.kind == PropertyKind::IntCombo ? 8 : 4);
             }
         }
         const size_t bar = text.find('|', sign);
@@ -194,19 +185,11 @@ TEST_F(DecodePropertiesFile, RandomDamage) {
         for (unsigned n = 0; n < 1 + random() % 20; ++n) {
             const size_t at = random() % damaged.size();
             const size_t length = random() % 40;
-            switch (random() % 4) {
-                case 0:
-                    damaged[at] = static_cast<char>(random());
-                    break;
-                case 1:
-                    damaged[at] = "=|.-\0"[random() % 5];
-                    break;
-                case 2:
-                    damaged.erase(at, length);
-                    break;
-                default:
-                    damaged.insert(at, text.substr(random() % text.size(), length));
-            }
+            const auto way = random() % 4;
+            if (way == 0) damaged[at] = static_cast<char>(random());
+            if (way == 1) damaged[at] = "=|.-\0"[random() % 5];
+            if (way == 2) damaged.erase(at, length);
+            if (way == 3) damaged.insert(at, text.substr(random() % text.size(), length));
             if (damaged.empty()) damaged = "=";
         }
         ASSERT_TRUE(SameRecord(Apply(damaged), Oracle(damaged, {}))) << damaged;
@@ -252,39 +235,33 @@ TEST(EntrySource, NumbersAreThoseOfAtof) {
 
 TEST_F(DecodePropertiesFile, EveryFailingReadLeavesTheRecordAlone) {
     const std::string text = "Tint=1|Unknown=2|Contrast=0.5|";
+    const int calls = static_cast<int>(text.size()) + 1;  // the end is asked for once
     for (const HRESULT atEnd : {S_FALSE, S_OK}) {
-        for (int n = 0;; ++n) {
+        for (int n = 0; n <= calls; ++n) {
             MemoryStream stream(text);
             stream.atEnd = atEnd;
             stream.failAtCall = n;
             DecodeSettingsRecord record;
-            const HRESULT hr = editor_.ApplyFile(record, &stream);
-            if (hr == S_OK) {
-                EXPECT_EQ(n, static_cast<int>(text.size()) + 1) << "the end is asked for once";
-                EXPECT_EQ(record.contrast, 0.5f);
-                break;
-            }
-            EXPECT_EQ(hr, STG_E_ACCESSDENIED);
-            EXPECT_TRUE(SameRecord(record, DecodeSettingsRecord{}));
+            EXPECT_EQ(editor_.ApplyFile(record, &stream), n < calls ? STG_E_ACCESSDENIED : S_OK) << n;
+            EXPECT_EQ(record.contrast, n < calls ? 0.0f : 0.5f);
+            EXPECT_TRUE(n == calls || SameRecord(record, DecodeSettingsRecord{}));
         }
     }
 }
 
 TEST_F(DecodePropertiesFile, EveryFailingWriteEndsTheText) {
     const std::string whole = Save(DistinctRecord());
+    constexpr int kCalls = 70;
     for (const ULONG missing : {0u, 1u}) {
-        int n = 0;
-        for (;; ++n) {
+        for (int n = 0; n <= kCalls; ++n) {
             MemoryStream stream;
             stream.failAtCall = n;
             stream.shortWriteBy = missing;
-            const HRESULT hr = editor_.SaveSettings(&stream, DistinctRecord());
+            const HRESULT failure = missing ? STG_E_MEDIUMFULL : STG_E_ACCESSDENIED;
+            EXPECT_EQ(editor_.SaveSettings(&stream, DistinctRecord()), n < kCalls ? failure : S_OK) << n;
             EXPECT_EQ(stream.content, whole.substr(0, stream.content.size()));
-            if (hr == S_OK) break;
-            EXPECT_EQ(hr, missing ? STG_E_MEDIUMFULL : STG_E_ACCESSDENIED);
-            EXPECT_EQ(stream.calls, n + 1);
+            EXPECT_EQ(stream.calls, std::min(n + 1, kCalls));
         }
-        EXPECT_EQ(n, 70);
     }
 }
 
@@ -347,18 +324,12 @@ TEST(DecodePropertiesPath, StandsBesideTheClip) {
     const HRESULT tooLong = HRESULT_FROM_WIN32(ERROR_FILENAME_EXCED_RANGE);
     const WString longest = W("C:\\") + WString(246, W('x'));
     const PathCase kCases[] = {
-        {W("C:\\clips\\A001.r3d"), W("C:\\clips\\A001.KtDecProp")},
-        {W("/clips/A001.R3D"), W("/clips/A001.KtDecProp")},
-        {W("C:\\a.b\\clip"), W("C:\\a.b\\clip.KtDecProp")},
-        {W("A001.C002.r3d"), W("A001.C002.KtDecProp")},
-        {longest + W(".r3d"), longest + W(".KtDecProp")},
-        {longest + W("x.r3d"), {}, tooLong},
-        {longest + WString(10, W('x')), {}, tooLong},
-        {WString(400, W('x')), {}, tooLong},
-        {W("C:\\clips\\"), {}, E_INVALIDARG},
-        {{}, {}, E_INVALIDARG},
-        {W("clip.KtDecProp"), {}, E_INVALIDARG},
-        {W("clip.ktdecprop"), {}, E_INVALIDARG},
+        {longest + W("x.r3d"), {}, tooLong},          {W("C:\\clips\\A001.r3d"), W("C:\\clips\\A001.KtDecProp")},
+        {longest + WString(10, W('x')), {}, tooLong}, {W("/clips/A001.R3D"), W("/clips/A001.KtDecProp")},
+        {WString(400, W('x')), {}, tooLong},          {W("C:\\a.b\\clip"), W("C:\\a.b\\clip.KtDecProp")},
+        {W("C:\\clips\\"), {}, E_INVALIDARG},         {W("A001.C002.r3d"), W("A001.C002.KtDecProp")},
+        {W("clip.KtDecProp"), {}, E_INVALIDARG},      {longest + W(".r3d"), longest + W(".KtDecProp")},
+        {W("clip.ktdecprop"), {}, E_INVALIDARG},      {{}, {}, E_INVALIDARG},
     };
     for (const PathCase& row : kCases) {
         WCHAR out[kPathSize] = W("old");

@@ -3,12 +3,11 @@
 #include <atomic>
 #include <thread>
 
-#include "platform/faults.h"
 #include "platform/files.h"
 #include "platform/scoped.h"
 #include "settings/property_items.h"
 #include "settings/settings_fixture.h"
-#include "support/failing_new.h"
+#include "support/fail_each.h"
 #include "support/temp_file.h"
 
 namespace clipfio {
@@ -160,16 +159,14 @@ TEST_F(SettingsOnDisk, WritingReportsThatTheFileCannotBeOpened) {
 
 TEST_F(SettingsOnDisk, EveryFailingCallLeavesTheRecordAlone) {
     ASSERT_EQ(editor_.WriteFile(file_.Path(), DistinctRecord()), S_OK);
-    for (int n = 0;; ++n) {
-        DecodeSettingsRecord record;
-        platform::faults::FailAfter(n);
-        const HRESULT hr = editor_.ApplyFile(record, file_.Path());
-        const bool failed = platform::faults::Hit();
-        platform::faults::Clear();
-        EXPECT_TRUE(SameRecord(record, failed ? DecodeSettingsRecord{} : DistinctRecord()));
-        EXPECT_EQ(hr == S_OK, !failed || n == 0) << "a file that cannot be opened counts as none";
-        if (!failed) break;
-    }
+    int calls = 0;
+    DecodeSettingsRecord record;
+    support::FailEach<support::FailingCall>(
+        [&] { return record = {}, editor_.ApplyFile(record, file_.Path()); },
+        [&](HRESULT hr, bool failed) {
+            EXPECT_TRUE(SameRecord(record, failed ? DecodeSettingsRecord{} : DistinctRecord()));
+            EXPECT_EQ(hr == S_OK, !failed || calls++ == 0) << "a file that cannot be opened counts as none";
+        });
 }
 
 TEST(MediaPropertyEditor, NullStreams) {
@@ -179,57 +176,39 @@ TEST(MediaPropertyEditor, NullStreams) {
     EXPECT_EQ(editor.ApplyFile(record, static_cast<IStream*>(nullptr)), E_POINTER);
 }
 
-// Fails the first allocation, then the second, and so on until the operation gets through.
-template <class Operation>
-void FailEachAllocation(Operation&& operation) {
-    for (int n = 0;; ++n) {
-        SCOPED_TRACE(n);
-        HRESULT hr = S_OK;
-        bool failed = false;
-        {
-            const FailingNew fail(n);
-            hr = operation();
-            failed = fail.Hit();
-        }
-        EXPECT_EQ(hr, failed ? E_OUTOFMEMORY : S_OK);
-        if (!failed) break;
-    }
-}
-
 TEST(MediaPropertyEditor, RunningOutOfMemory) {
+    const auto check = [](HRESULT hr, bool failed) { EXPECT_EQ(hr, failed ? E_OUTOFMEMORY : S_OK); };
     MediaPropertyEditor editor(kWithoutDecoder);
-    FailEachAllocation([&] {
-        const HRESULT hr = editor.BeginProperties(nullptr, nullptr);
-        EXPECT_EQ(CountItems(editor.ClipDefaults()), hr == S_OK ? kPropertyCount : 0);
-        return hr;
-    });
+    support::FailEach<FailingNew>(
+        [&] {
+            const HRESULT hr = editor.BeginProperties(nullptr, nullptr);
+            EXPECT_EQ(CountItems(editor.ClipDefaults()), hr == S_OK ? kPropertyCount : 0);
+            return hr;
+        },
+        check);
     MemoryStream stream("Unknown=|Tint=" + std::string(50, ' ') + "5|" + std::string(50, 'k') + "=1|");
-    FailEachAllocation([&] {
-        stream.position = 0;
-        DecodeSettingsRecord record;
-        const HRESULT hr = editor.ApplyFile(record, &stream);
-        EXPECT_EQ(record.tint, hr == S_OK ? 5.0f : 0.0f);
-        return hr;
-    });
+    support::FailEach<FailingNew>(
+        [&] {
+            stream.position = 0;
+            DecodeSettingsRecord record;
+            const HRESULT hr = editor.ApplyFile(record, &stream);
+            EXPECT_EQ(record.tint, hr == S_OK ? 5.0f : 0.0f);
+            return hr;
+        },
+        check);
 }
 
 TEST(MediaPropertyEditor, SavingWithoutMemory) {
     const MediaPropertyEditor editor(kWithoutDecoder);
     MemoryStream stream;
     stream.content.reserve(10000);
-    for (int n = 0;; ++n) {
-        SCOPED_TRACE(n);
-        stream.content.clear();
-        const FailingNew fail(n);
-        const HRESULT hr = editor.SaveSettings(&stream, DistinctRecord());
-        if (!fail.Hit()) break;
-        // The version in the header has a short form to fall back on; everything else is needed.
-        if (hr != S_OK) {
-            EXPECT_EQ(hr, E_OUTOFMEMORY);
-        } else {
-            EXPECT_TRUE(stream.content.ends_with(kDistinctEntries));
-        }
-    }
+    support::FailEach<FailingNew>(
+        [&] { return stream.content.clear(), editor.SaveSettings(&stream, DistinctRecord()); },
+        [&](HRESULT hr, bool failed) {
+            // The version in the header has a short form to fall back on; everything else is needed.
+            EXPECT_TRUE(hr == S_OK || (failed && hr == E_OUTOFMEMORY));
+            EXPECT_TRUE(hr != S_OK || stream.content.ends_with(kDistinctEntries));
+        });
 }
 
 TEST(MediaPropertyEditor, MadeWithoutMemory) {

@@ -9,13 +9,11 @@ namespace {
 
 enum class Load { Same, Other };
 
-struct Transition {
+constexpr struct {
     ItemState before;
     Load load;
     ItemState after;
-};
-
-constexpr Transition kTransitions[] = {
+} kTransitions[] = {
     {ItemState::Unset, Load::Same, ItemState::Loaded},   {ItemState::Unset, Load::Other, ItemState::Loaded},
     {ItemState::Loaded, Load::Same, ItemState::Agreed},  {ItemState::Loaded, Load::Other, ItemState::Mixed},
     {ItemState::Agreed, Load::Same, ItemState::Agreed},  {ItemState::Agreed, Load::Other, ItemState::Mixed},
@@ -23,33 +21,22 @@ constexpr Transition kTransitions[] = {
     {ItemState::Changed, Load::Same, ItemState::Agreed}, {ItemState::Changed, Load::Other, ItemState::Mixed},
 };
 
-// One item of each branch, with two values that it tells apart.
+// Two values that an item of each branch tells apart, and how a file has them.
 template <class Item>
-struct Samples;
-template <>
-struct Samples<Tint> {
+struct Samples {
+    static constexpr uint32_t kValues[] = {800, 801};
+    static constexpr const char* kTexts[] = {"800|", "801|"};
+};
+template <class Item>
+requires std::is_base_of_v<FloatItem, Item>
+struct Samples<Item> {
     static constexpr float kValues[] = {2.5f, -7.0f};
     static constexpr const char* kTexts[] = {"2.5|", "-7|"};
-};
-template <>
-struct Samples<UserCurveRedCoordinate> {
-    static constexpr float kValues[] = {0.5f, 0.75f};
-    static constexpr const char* kTexts[] = {"0.5|", "0.75|"};
 };
 template <>
 struct Samples<DEB> {
     static constexpr bool kValues[] = {true, false};
     static constexpr const char* kTexts[] = {"1|", "0|"};
-};
-template <>
-struct Samples<ImageDenoise> {
-    static constexpr uint32_t kValues[] = {3, 77};
-    static constexpr const char* kTexts[] = {"3|", "77|"};
-};
-template <>
-struct Samples<ImageISO> {
-    static constexpr uint32_t kValues[] = {800, 801};
-    static constexpr const char* kTexts[] = {"800|", "801|"};
 };
 
 template <class Item>
@@ -68,7 +55,7 @@ TYPED_TEST_SUITE(MediaPropertyItemTest, Branches);
 TYPED_TEST(MediaPropertyItemTest, LoadingMovesTheStateAndTakesTheValue) {
     using S = Samples<TypeParam>;
     for (const bool fromStream : {false, true}) {
-        for (const Transition& row : kTransitions) {
+        for (const auto& row : kTransitions) {
             SCOPED_TRACE(testing::Message() << "from " << static_cast<int>(row.before) << " stream " << fromStream);
             auto item = MakeItem<TypeParam>();
             item.SetValue(S::kValues[0]);

@@ -50,21 +50,29 @@ inline DecodeSettingsRecord DistinctRecord() {
     return r;
 }
 
+// The entries of the four curves as a file has them, with what `value` gives for curve and index.
+template <class Value>
+std::string CurveEntries(Value value) {
+    std::string text;
+    for (const char* const curve : {"UserCurveBlue", "UserCurveGreen", "UserCurveRed", "UserCurve"}) {
+        for (int i = 0; i < 10; ++i)
+            text += std::string(curve) + "[" + std::to_string(i) + "]=" + value(curve, i) + "|";
+    }
+    return text;
+}
+
 inline const std::string kDistinctEntries =
     "Brightness=-9.75|ColorTemperature=3200.5|ColorVersion=1|Contrast=-0.5|DEB=1|DRX=1e-05|ExposureCompensation=1.5|"
     "FLUT=8|GainBlue=1.3|GainGreen=1.2|GainRed=1.1|ImageColorSpace=17|ImageDenoise=6|ImageDetail=-1|"
     "ImageGammaCurve=18|ImageISO=12800|ImageOLPFCompensation=3|LggGainBlue=1.8|LggGainGreen=1.7|LggGainRed=1.6|"
     "LggGammaBlue=2.3|LggGammaGreen=2.2|LggGammaRed=2.1|LggLiftBlue=-0.3|LggLiftGreen=-0.2|LggLiftRed=-0.1|"
-    "Saturation=0.333333|Shadow=-2|Tint=-12.25|"
-    "UserCurveBlue[0]=0.4|UserCurveBlue[1]=0.401|UserCurveBlue[2]=0.402|UserCurveBlue[3]=0.403|UserCurveBlue[4]=0.404|"
-    "UserCurveBlue[5]=0.405|UserCurveBlue[6]=0.406|UserCurveBlue[7]=0.407|UserCurveBlue[8]=0.408|"
-    "UserCurveBlue[9]=0.409|"
-    "UserCurveGreen[0]=0.3|UserCurveGreen[1]=0.301|UserCurveGreen[2]=0.302|UserCurveGreen[3]=0.303|"
-    "UserCurveGreen[4]=0.304|UserCurveGreen[5]=0.305|UserCurveGreen[6]=0.306|UserCurveGreen[7]=0.307|"
-    "UserCurveGreen[8]=0.308|UserCurveGreen[9]=0.309|"
-    "UserCurveRed[0]=0.2|UserCurveRed[1]=0.201|UserCurveRed[2]=0.202|UserCurveRed[3]=0.203|UserCurveRed[4]=0.204|"
-    "UserCurveRed[5]=0.205|UserCurveRed[6]=0.206|UserCurveRed[7]=0.207|UserCurveRed[8]=0.208|UserCurveRed[9]=0.209|"
-    "UserCurve[0]=0.1|UserCurve[1]=0.101|UserCurve[2]=0.102|UserCurve[3]=0.103|UserCurve[4]=0.104|"
-    "UserCurve[5]=0.105|UserCurve[6]=0.106|UserCurve[7]=0.107|UserCurve[8]=0.108|UserCurve[9]=0.109|";
+    "Saturation=0.333333|Shadow=-2|Tint=-12.25|" +
+    CurveEntries([](std::string_view curve, int i) {
+        const char* const tenths = curve == "UserCurve"        ? "0.1"
+                                   : curve == "UserCurveRed"   ? "0.2"
+                                   : curve == "UserCurveGreen" ? "0.3"
+                                                               : "0.4";
+        return tenths + (i == 0 ? "" : "0" + std::to_string(i));
+    });
 
 }  // namespace clipfio

@@ -16,14 +16,7 @@ const DecoderLibrary& Library() { return DecoderLibrary::Get(); }
 constexpr uint32_t kWidth = 18, kHeight = 17;
 constexpr size_t kFrames = 3, kSamples = 4000;
 
-ClipDescription WholeClip() {
-    ClipDescription d;
-    d.width = kWidth;
-    d.height = kHeight;
-    d.sample_rate = 48000;
-    d.channel_mask = 0x3;
-    return d;
-}
+ClipDescription WholeClip() { return {.width = kWidth, .height = kHeight, .sample_rate = 48000, .channel_mask = 0x3}; }
 
 class DamagedClip : public testing::Test {
   protected:

@@ -19,15 +19,13 @@ std::vector<int32_t> CountedSound(size_t values) {
 }
 
 ClipDescription SmallClip() {
-    ClipDescription d;
-    d.width = 6;
-    d.height = 4;
-    d.rate_numerator = 24000;
-    d.rate_denominator = 1001;
-    d.sample_rate = 48000;
-    d.sample_size = 24;
-    d.channel_mask = 0x3;
-    return d;
+    return {.width = 6,
+            .height = 4,
+            .rate_numerator = 24000,
+            .rate_denominator = 1001,
+            .sample_rate = 48000,
+            .sample_size = 24,
+            .channel_mask = 0x3};
 }
 
 TEST(ClipFacts, MeasuresAndSettingsAreThoseOfTheDescription) {
@@ -121,37 +119,26 @@ TEST(ClipFacts, SoundIsBigEndianAndEndsWhereItEnds) {
     EXPECT_EQ(Library().decode_audio(clip.Handle(), 0, nullptr, &count, 8), Number(Status::BadArguments));
 }
 
-struct TimecodeRow {
+constexpr struct {
     uint32_t numerator, denominator;
     bool drop;
     uint64_t frame;
     const char* text;
-};
-
-constexpr TimecodeRow kTimecodes[] = {
-    {24, 1, false, 0, "00:00:00:00"},
-    {24, 1, false, 86412, "01:00:00:12"},
-    {24000, 1001, false, 86412, "01:00:00:12"},
-    {24, 1, false, 24 * 86400 - 1, "23:59:59:23"},
-    {24, 1, false, 24 * 86400, "00:00:00:00"},
-    {25, 1, false, 25 * 60, "00:01:00:00"},
-    {30000, 1001, false, 1800, "00:01:00:00"},
-    {30000, 1001, true, 1799, "00:00:59;29"},
-    {30000, 1001, true, 1800, "00:01:00;02"},
-    {30000, 1001, true, 17981, "00:09:59;29"},
-    {30000, 1001, true, 17982, "00:10:00;00"},
-    {30000, 1001, true, 107892, "01:00:00;00"},
-    {30000, 1001, true, 2589407, "23:59:59;29"},
-    {30000, 1001, true, 2589408, "00:00:00;00"},
-    {60000, 1001, true, 3599, "00:00:59;59"},
-    {60000, 1001, true, 3600, "00:01:00;04"},
-    {60000, 1001, true, 35964, "00:10:00;00"},
-    {120, 1, false, 119, "00:00:00:119"},
-    {1, 4, false, 3, "00:00:03:00"},  // slower than one a second: a number a second
+} kTimecodes[] = {
+    {24, 1, false, 0, "00:00:00:00"},          {24000, 1001, false, 86412, "01:00:00:12"},
+    {24, 1, false, 86412, "01:00:00:12"},      {24, 1, false, 24 * 86400 - 1, "23:59:59:23"},
+    {24, 1, false, 24 * 86400, "00:00:00:00"}, {30000, 1001, false, 1800, "00:01:00:00"},
+    {25, 1, false, 25 * 60, "00:01:00:00"},    {30000, 1001, true, 17981, "00:09:59;29"},
+    {30000, 1001, true, 1799, "00:00:59;29"},  {30000, 1001, true, 17982, "00:10:00;00"},
+    {30000, 1001, true, 1800, "00:01:00;02"},  {30000, 1001, true, 107892, "01:00:00;00"},
+    {60000, 1001, true, 3599, "00:00:59;59"},  {30000, 1001, true, 2589407, "23:59:59;29"},
+    {60000, 1001, true, 3600, "00:01:00;04"},  {30000, 1001, true, 2589408, "00:00:00;00"},
+    {120, 1, false, 119, "00:00:00:119"},      {60000, 1001, true, 35964, "00:10:00;00"},
+    {1, 4, false, 3, "00:00:03:00"},
 };
 
 TEST(ClipFacts, TimecodeRows) {
-    for (const TimecodeRow& row : kTimecodes) {
+    for (const auto& row : kTimecodes) {
         char text[kTimecodeChars];
         FormatTimecode(row.frame, {NominalFps(row.numerator, row.denominator), row.drop}, text);
         EXPECT_STREQ(text, row.text) << row.numerator << "/" << row.denominator << " frame " << row.frame;

@@ -1,34 +1,18 @@
 // Every call of the system and every allocation fails once: an error, nothing left behind, and all is well afterwards.
 #include <gtest/gtest.h>
 
-#include "platform/faults.h"
 #include "platform/files.h"
 #include "substitutes/decoder_library.h"
-#include "support/failing_new.h"
+#include "support/fail_each.h"
 
 namespace clipfio::decoder::test {
 namespace {
 
-// Counts down calls of the system or allocations, until it goes out of scope.
-class FailingCall {
-  public:
-    explicit FailingCall(int n) noexcept { platform::faults::FailAfter(n); }
-    ~FailingCall() { platform::faults::Clear(); }
-    FailingCall(const FailingCall&) = delete;
-    FailingCall& operator=(const FailingCall&) = delete;
-    [[nodiscard]] bool Hit() const noexcept { return platform::faults::Hit(); }
-};
+using support::FailingCall;
 
 bool Exists(const WString& path) { return GetFileAttributesW(path.c_str()) != INVALID_FILE_ATTRIBUTES; }
 
-ClipDescription SmallClip() {
-    ClipDescription d;
-    d.width = 8;
-    d.height = 8;
-    d.sample_rate = 48000;
-    d.channel_mask = 1;
-    return d;
-}
+ClipDescription SmallClip() { return {.width = 8, .height = 8, .sample_rate = 48000, .channel_mask = 1}; }
 
 template <class Failing>
 void ExpectTheWriterLeavesNothing() {
@@ -37,25 +21,20 @@ void ExpectTheWriterLeavesNothing() {
     const std::vector<int32_t> sound(100, 5);
     const ClipDescription description = SmallClip();
     const WString& path = file.Path();
-    for (int n = 0;; ++n) {
-        ASSERT_LT(n, 1000);
-        bool good = false, hit = false;
-        {
+    support::FailEach<Failing>(
+        [&] {
             ClipWriter writer;
-            const Failing fail(n);
-            good = writer.Open(path, description) && writer.AddFrame(picture.data()) &&
-                   writer.AddAudio(sound.data(), sound.size()) && writer.Finish();
-            hit = fail.Hit();
-            EXPECT_EQ(writer.Error().empty(), good) << n;
-        }
-        EXPECT_EQ(Exists(path), good) << n;
-        EXPECT_EQ(UnfinishedFiles(file), 0u) << n;
-        DeleteFileW(path.c_str());
-        if (!hit) {
-            EXPECT_TRUE(good);
-            break;
-        }
-    }
+            const bool good = writer.Open(path, description) && writer.AddFrame(picture.data()) &&
+                              writer.AddAudio(sound.data(), sound.size()) && writer.Finish();
+            EXPECT_EQ(writer.Error().empty(), good);
+            return good;
+        },
+        [&](bool good, bool hit) {
+            EXPECT_TRUE(good || hit);
+            EXPECT_EQ(Exists(path), good);
+            EXPECT_EQ(UnfinishedFiles(file), 0u);
+            DeleteFileW(path.c_str());
+        });
 }
 
 template <class Failing>
@@ -68,37 +47,28 @@ void ExpectTheDecoderRecovers() {
     const DecodeSettingsRecord look = NeutralLook();
     std::vector<uint16_t> out(picture.size());
     std::vector<int32_t> sound(100);
-    VideoDecodeJob job;
-    job.decodeMode = DecodeMode::FullPremium;
-    job.pixelType = PixelType::Rgb16;
-    job.output = out.data();
-    job.rowBytes = 8 * 6;
-    job.outputBytes = out.size() * 2;
-    job.settings = &look;
-    for (int n = 0;; ++n) {
-        ASSERT_LT(n, 1000);
-        uint64_t count = sound.size();
-        uint32_t decoded = 0, heard = 0;
-        bool hit = false;
-        uintptr_t clip = 0;
-        {
-            const Failing fail(n);
-            clip = library.create_clip();
+    const VideoDecodeJob job = JobOf(out.data(), 8, 8, PixelType::Rgb16, look);
+    uint64_t count = 0;
+    uint32_t decoded = 0, heard = 0;
+    support::FailEach<Failing>(
+        [&] {
+            count = sound.size();
+            const uintptr_t clip = library.create_clip();
             (void)library.load_clip(clip, path.c_str());
             decoded = library.decode_frame(clip, 0, &job);
             heard = library.decode_audio(clip, 0, &count, sound.data(), sound.size() * 4);
-            hit = fail.Hit();
-        }
-        EXPECT_TRUE(decoded != 0 || out == picture) << n;
-        EXPECT_EQ(heard == 0, count == sound.size()) << n;
-        EXPECT_TRUE(hit || (decoded == 0 && heard == 0)) << n;
-        // The same handle, or a new one where there was no memory for it, does all of it now.
-        if (clip == 0) clip = library.create_clip();
-        EXPECT_EQ(library.load_clip(clip, path.c_str()), 0u) << n;
-        EXPECT_EQ(library.decode_frame(clip, 0, &job), 0u) << n;
-        library.destroy_clip(clip);
-        if (!hit) break;
-    }
+            return clip;
+        },
+        [&](uintptr_t clip, bool hit) {
+            EXPECT_TRUE(decoded != 0 || out == picture);
+            EXPECT_EQ(heard == 0, count == sound.size());
+            EXPECT_TRUE(hit || (decoded == 0 && heard == 0));
+            // The same handle, or a new one where there was no memory for it, does all of it now.
+            if (clip == 0) clip = library.create_clip();
+            EXPECT_EQ(library.load_clip(clip, path.c_str()), 0u);
+            EXPECT_EQ(library.decode_frame(clip, 0, &job), 0u);
+            library.destroy_clip(clip);
+        });
 }
 
 TEST(ClipFailures, TheWriterLeavesNothingWhenACallFails) { ExpectTheWriterLeavesNothing<FailingCall>(); }

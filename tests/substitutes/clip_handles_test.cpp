@@ -15,7 +15,7 @@ const DecoderLibrary& Library() { return DecoderLibrary::Get(); }
 
 // Everything that a handle without a clip must bear.
 void ExpectNoClip(uintptr_t handle) {
-    EXPECT_EQ(Library().clip_status(handle) == 0, false);
+    EXPECT_NE(Library().clip_status(handle), 0u);
     EXPECT_EQ(Library().clip_width(handle), 0u);
     EXPECT_EQ(Library().clip_height(handle), 0u);
     EXPECT_EQ(Library().clip_frame_count(handle), 0u);
@@ -27,13 +27,8 @@ void ExpectNoClip(uintptr_t handle) {
     EXPECT_EQ(Library().frame_timecode(handle, 0), nullptr);
     EXPECT_EQ(Library().get_metadata_number(handle, "samplerate"), 0u);
     DecodeSettingsRecord look = NeutralLook();
-    VideoDecodeJob job;
     uint8_t pixel[4];
-    job.decodeMode = DecodeMode::FullPremium;
-    job.pixelType = PixelType::Bgra8;
-    job.output = pixel;
-    job.rowBytes = job.outputBytes = sizeof pixel;
-    job.settings = &look;
+    const VideoDecodeJob job = JobOf(pixel, 1, 1, PixelType::Bgra8, look);
     EXPECT_EQ(Library().decode_frame(handle, 0, &job), Number(Status::NoClip));
     value = 1;
     EXPECT_EQ(Library().decode_audio(handle, 0, &value, pixel, sizeof pixel), Number(Status::NoClip));
@@ -93,11 +88,7 @@ TEST(ClipHandles, APathIsUtf8OrLatin1) {
 TEST(ClipHandles, PictureAndSoundOfOneClipOnManyThreads) {
     constexpr uint32_t kWidth = 320, kHeight = 200;
     constexpr size_t kSamples = 9000;
-    ClipDescription d;
-    d.width = kWidth;
-    d.height = kHeight;
-    d.sample_rate = 48000;
-    d.channel_mask = 1;
+    const ClipDescription d{.width = kWidth, .height = kHeight, .sample_rate = 48000, .channel_mask = 1};
     const std::vector<std::vector<uint16_t>> pictures = {NoisePicture(kWidth, kHeight, 1),
                                                          NoisePicture(kWidth, kHeight, 2)};
     std::vector<int32_t> sound(kSamples);

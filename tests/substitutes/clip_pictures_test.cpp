@@ -105,13 +105,9 @@ TEST(ClipPictures, RowsKeepTheirDistanceAndNothingIsWrittenBetweenThem) {
     const TestClip clip(file);
     const DecodeSettingsRecord look = NeutralLook();
     std::vector<uint16_t> out(4 * 40, 0xABCD);
-    VideoDecodeJob job;
-    job.decodeMode = DecodeMode::FullPremium;
-    job.pixelType = PixelType::Rgb16;
-    job.output = out.data();
+    VideoDecodeJob job = JobOf(out.data(), 5, 4, PixelType::Rgb16, look);
     job.rowBytes = 80;
     job.outputBytes = 3 * 80 + 30;
-    job.settings = &look;
     ASSERT_EQ(DecoderLibrary::Get().decode_frame(clip.Handle(), 0, &job), 0u);
     for (size_t y = 0; y < 4; ++y) {
         for (size_t x = 0; x < 40; ++x) EXPECT_EQ(out[y * 40 + x], x < 15 ? picture[y * 15 + x] : 0xABCD);
@@ -151,13 +147,7 @@ TEST(ClipPictures, JobsThatCannotBeDoneFailAndWriteNothing) {
         for (const BadJob& bad : kBad) {
             std::vector<uint16_t> out(8 * 5 * 3, 0xABCD);
             DecodeSettingsRecord look = NeutralLook();
-            VideoDecodeJob job;
-            job.decodeMode = DecodeMode::FullPremium;
-            job.pixelType = type;
-            job.output = out.data();
-            job.rowBytes = type == PixelType::Bgra8 ? 8 * 4 : 8 * 6;
-            job.outputBytes = job.rowBytes * 5;
-            job.settings = &look;
+            VideoDecodeJob job = JobOf(out.data(), 8, 5, type, look);
             uint64_t frame = 1;
             ASSERT_EQ(DecoderLibrary::Get().decode_frame(clip.Handle(), frame, &job), 0u);
             std::fill(out.begin(), out.end(), uint16_t{0xABCD});

@@ -13,14 +13,7 @@ bool Exists(const WString& path) { return GetFileAttributesW(path.c_str()) != IN
 
 void ExpectNothingLeft(const TestFile& file) { EXPECT_EQ(UnfinishedFiles(file), 0u); }
 
-ClipDescription SmallClip() {
-    ClipDescription d;
-    d.width = 4;
-    d.height = 2;
-    d.sample_rate = 48000;
-    d.channel_mask = 1;
-    return d;
-}
+ClipDescription SmallClip() { return {.width = 4, .height = 2, .sample_rate = 48000, .channel_mask = 1}; }
 
 TEST(ClipWriter, NothingIsThereUntilItIsFinished) {
     const TestFile file;

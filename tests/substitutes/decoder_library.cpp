@@ -59,13 +59,7 @@ std::vector<Sample> Decode(uintptr_t clip, uint64_t frame, DecodeMode mode, cons
     const uint64_t width = library.clip_width(clip) / DivisorOf(mode),
                    height = library.clip_height(clip) / DivisorOf(mode);
     std::vector<Sample> out(width * height * samples_per_pixel);
-    VideoDecodeJob job;
-    job.decodeMode = mode;
-    job.pixelType = type;
-    job.output = out.data();
-    job.rowBytes = width * samples_per_pixel * sizeof(Sample);
-    job.outputBytes = out.size() * sizeof(Sample);
-    job.settings = &look;
+    const VideoDecodeJob job = JobOf(out.data(), width, height, type, look, mode);
     if (library.decode_frame(clip, frame, &job) != Number(Status::Good)) out.clear();
     return out;
 }
@@ -110,20 +104,26 @@ size_t UnfinishedFiles(const TestFile& file) {
 }
 
 uint32_t DivisorOf(DecodeMode mode) {
-    switch (mode) {
-        case DecodeMode::FullPremium:
-            return 1;
-        case DecodeMode::HalfPremium:
-        case DecodeMode::HalfGood:
-            return 2;
-        case DecodeMode::QuarterGood:
-            return 4;
-        case DecodeMode::EighthGood:
-            return 8;
-        case DecodeMode::SixteenthGood:
-            return 16;
+    constexpr std::pair<DecodeMode, uint32_t> kSmaller[] = {
+        {DecodeMode::HalfPremium, 2}, {DecodeMode::HalfGood, 2},       {DecodeMode::QuarterGood, 4},
+        {DecodeMode::EighthGood, 8},  {DecodeMode::SixteenthGood, 16},
+    };
+    for (const auto& [of, divisor] : kSmaller) {
+        if (of == mode) return divisor;
     }
     return 1;
+}
+
+VideoDecodeJob JobOf(void* output, uint64_t width, uint64_t height, PixelType type, const DecodeSettingsRecord& look,
+                     DecodeMode mode) {
+    VideoDecodeJob job;
+    job.decodeMode = mode;
+    job.pixelType = type;
+    job.output = output;
+    job.rowBytes = width * (type == PixelType::Rgb16 ? 6 : 4);
+    job.outputBytes = job.rowBytes * height;
+    job.settings = &look;
+    return job;
 }
 
 DecodeSettingsRecord NeutralLook() {

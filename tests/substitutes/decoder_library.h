@@ -78,6 +78,10 @@ class TestClip {
 
 uint32_t DivisorOf(DecodeMode mode);
 
+// To decode a picture of so many pixels, with its rows packed, into `output`, which has room for just that.
+VideoDecodeJob JobOf(void* output, uint64_t width, uint64_t height, PixelType type, const DecodeSettingsRecord& look,
+                     DecodeMode mode = DecodeMode::FullPremium);
+
 // The factory default, delivered in Rec. 709 as a reader asks for it: shows footage as it was put in.
 DecodeSettingsRecord NeutralLook();
 

@@ -25,6 +25,10 @@ class InLocale : private detail::RefreshLast, private ScopedVariable {
         KtLang_GetInternationals(nullptr, 0);
     }
     [[nodiscard]] bool IsSet() const { return GetUserDefaultLCID() == lcid_; }
+    // Why a test is skipped where it is not set.
+    [[nodiscard]] std::string Lack() const {
+        return "needs a user of locale " + std::to_string(lcid_) + ", not " + std::to_string(GetUserDefaultLCID());
+    }
 
   private:
     LCID lcid_;

@@ -12,6 +12,9 @@
 
 namespace support {
 
+// An error as the registry's calls give it.
+constexpr LSTATUS Status(DWORD error) { return static_cast<LSTATUS>(error); }
+
 class TestRegistry {
   public:
     TestRegistry()
