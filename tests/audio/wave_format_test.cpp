@@ -48,17 +48,17 @@ Room<_ktwaveformat> RecordOf(tWAVEFORMATEX* wfx, uint32_t size) {
     return record;
 }
 
+// Size, sample type, rate, channels, block align, mask, flags and bytes a second.
+std::vector<uint32_t> Facts(const _ktwaveformat& r) {
+    return {r.size,        r.sampleType, r.samplesPerSecond,     r.channels, r.blockAlign,
+            r.channelMask, r.flags,      r.averageBytesPerSecond};
+}
+using Numbers = std::vector<uint32_t>;
+
 TEST(WaveFormat, InitFromASampleType) {
     Room<_ktwaveformat> record(48);
     record->Init(44100, KTSAMPLETYPE_PCM24, 6, 0x3F, 48);
-    EXPECT_EQ(+record->size, 32u);
-    EXPECT_EQ(+record->sampleType, KTSAMPLETYPE_PCM24);
-    EXPECT_EQ(+record->samplesPerSecond, 44100u);
-    EXPECT_EQ(+record->channels, 6);
-    EXPECT_EQ(+record->blockAlign, 18);
-    EXPECT_EQ(+record->channelMask, 0x3Fu);
-    EXPECT_EQ(+record->flags, 0u);
-    EXPECT_EQ(+record->averageBytesPerSecond, 44100u * 18);
+    EXPECT_EQ(Facts(*record), (Numbers{32, KTSAMPLETYPE_PCM24, 44100, 6, 18, 0x3F, 0, 44100 * 18}));
     for (size_t i = 32; i < 48; ++i) EXPECT_EQ(record.At(i), 0);
     EXPECT_TRUE(record.EndIsIntact());
     EXPECT_EQ(record->FormatTag(), 1u);
@@ -68,49 +68,35 @@ TEST(WaveFormat, InitFromASampleType) {
 
     Room<_ktwaveformat> small(32);
     small->Init(48000, KTSAMPLETYPE_FLOAT64, 9000, 0, 5);  // a size below 33 clears 32 bytes
-    EXPECT_EQ(+small->blockAlign, 72000 & 0xFFFF);
-    EXPECT_EQ(+small->averageBytesPerSecond, (72000 & 0xFFFF) * 48000u);
+    constexpr uint32_t kCut = 72000 & 0xFFFF;
+    EXPECT_EQ(Facts(*small), (Numbers{32, KTSAMPLETYPE_FLOAT64, 48000, 9000, kCut, 0, 0, kCut * 48000}));
     EXPECT_TRUE(small.EndIsIntact());
-
     small->channels = 3;
     EXPECT_EQ(small->UpdateBlockAlign(), 24u);
-    EXPECT_EQ(+small->averageBytesPerSecond, 24u * 48000);
+    EXPECT_EQ(Facts(*small), (Numbers{32, KTSAMPLETYPE_FLOAT64, 48000, 3, 24, 0, 0, 24 * 48000}));
 }
 
 TEST(WaveFormat, InitFromTagAndBits) {
     _ktwaveformat record;
     record.InitAsWfx(1, 48000, 20, 2, 0, 32);
-    EXPECT_EQ(+record.sampleType, KTSAMPLETYPE_PCM24);
-    EXPECT_EQ(+record.blockAlign, 6);
-    EXPECT_EQ(+record.averageBytesPerSecond, 6u * 48000);
-    EXPECT_EQ(+record.flags, 0u);
-
+    EXPECT_EQ(Facts(record), (Numbers{32, KTSAMPLETYPE_PCM24, 48000, 2, 6, 0, 0, 6 * 48000}));
     record.InitAsWfx(0x55, 48000, 12, 2, 3, 32);
-    EXPECT_EQ(+record.sampleType, KTSAMPLETYPE_NONE);
-    EXPECT_EQ(+record.flags, _ktwaveformat::kOpaque);
+    EXPECT_EQ(Facts(record), (Numbers{32, KTSAMPLETYPE_NONE, 48000, 2, 3, 3, _ktwaveformat::kOpaque, 3 * 48000}));
     EXPECT_EQ(record.FormatTag(), 0x55u);
     EXPECT_EQ(record.BitsPerSample(), 12u);
     EXPECT_EQ(record.BytesPerSample(), 1u);
-    EXPECT_EQ(+record.blockAlign, 3);
     EXPECT_TRUE(record.IsCompressed());
     record.blockAlign = 77;
     EXPECT_EQ(record.UpdateBlockAlign(), 77u);
 }
 
 TEST(WaveFormat, InitFromAPlatformRecord) {
+    // The block align is put right for PCM, and taken as it is for the others.
     Room<tWAVEFORMATEX> pcm = Source(1, 20, 0, false);
-    Room<_ktwaveformat> record = RecordOf(pcm.Get(), 64);
-    EXPECT_EQ(+record->sampleType, KTSAMPLETYPE_PCM24);
-    EXPECT_EQ(+record->blockAlign, 6);  // put right for PCM
-    EXPECT_EQ(+record->averageBytesPerSecond, 6000u);
-    EXPECT_EQ(+record->flags, 0u);
-
+    EXPECT_EQ(Facts(*RecordOf(pcm.Get(), 64)), (Numbers{32, KTSAMPLETYPE_PCM24, 48000, 2, 6, 0, 0, 6000}));
     Room<tWAVEFORMATEX> extensible = Source(3, 32, 0, true, 0x30);
-    record = RecordOf(extensible.Get(), 32);
-    EXPECT_EQ(+record->sampleType, KTSAMPLETYPE_FLOAT32);
-    EXPECT_EQ(+record->channelMask, 0x30u);
-    EXPECT_EQ(+record->flags, _ktwaveformat::kFromExtensible);
-    EXPECT_EQ(+record->blockAlign, 24);  // and taken as it is for the others
+    EXPECT_EQ(Facts(*RecordOf(extensible.Get(), 32)),
+              (Numbers{32, KTSAMPLETYPE_FLOAT32, 48000, 2, 24, 0x30, _ktwaveformat::kFromExtensible, 6000}));
 }
 
 TEST(WaveFormat, AZeroSubFormatIsReadByItsBits) {
@@ -187,32 +173,30 @@ TEST(WaveFormatEquality, OfRecords) {
 }
 
 TEST(WaveFormatEquality, OfOpaqueRecordsAndTheirSources) {
+    using Record = Room<_ktwaveformat>;
+    const std::pair<const char*, void (*)(Record&)> kChanges[] = {
+        {"bits", [](Record& r) { r->bitsPerSample = 17; }},
+        {"bytes a second", [](Record& r) { r->averageBytesPerSecond = 1; }},
+        {"tag", [](Record& r) { r->formatTag = 1; }},
+        {"extra data", [](Record& r) { *r.Bytes(43) = 0; }},
+        {"extra length", [](Record& r) { *r.Bytes(32) = 9; }},
+        {"flag", [](Record& r) { r->flags &= ~_ktwaveformat::kOpaque; }},
+    };
     for (const bool extensible : {false, true}) {
         Room<tWAVEFORMATEX> source = Source(0x161, 16, 10, extensible, 0x30);
-        Room<_ktwaveformat> a = RecordOf(source.Get(), 64);
-        Room<_ktwaveformat> b = a;
-        EXPECT_TRUE(*a == *b);
-        EXPECT_TRUE(*a == *source);
-        b->bitsPerSample = 17;
-        EXPECT_FALSE(*a == *b);
-        b = a;
-        b->averageBytesPerSecond = 1;
-        EXPECT_FALSE(*a == *b);
-        b = a;
-        b->formatTag = 1;
-        EXPECT_FALSE(*a == *b);
-        b = a;
-        *b.Bytes(43) = 0;
-        EXPECT_FALSE(*a == *b);
-        EXPECT_FALSE(*b == *source);
-        b = a;
-        *b.Bytes(32) = 9;
-        EXPECT_FALSE(*a == *b);
-        b = a;
-        b->flags &= ~_ktwaveformat::kOpaque;
-        EXPECT_FALSE(*a == *b);
+        Record record = RecordOf(source.Get(), 64);
+        EXPECT_TRUE(*record == *source);
+        for (const auto& [name, change] : kChanges) {
+            Record other = record;
+            EXPECT_TRUE(*record == *other);
+            change(other);
+            EXPECT_FALSE(*record == *other) << name;
+        }
         source->cbSize = static_cast<uint16_t>(source->cbSize - 1);
-        EXPECT_FALSE(*a == *source);
+        EXPECT_FALSE(*record == *source);
+        Record other = RecordOf(source.Get(), 64);
+        *other.Bytes(42) = 0;
+        EXPECT_FALSE(*other == *source);
     }
 }
 

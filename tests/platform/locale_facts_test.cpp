@@ -51,20 +51,23 @@ TEST(Locale, TellsItsFacts) {
     for (const auto& row : rows) {
         SCOPED_TRACE(row.number);
         const Asked locale(row.lcid);
-        EXPECT_EQ(locale.Fact(LOCALE_ILANGUAGE), row.number);
-        EXPECT_EQ(locale.Fact(LOCALE_SABBREVLANGNAME), row.letters);
-        EXPECT_EQ(locale.Fact(LOCALE_SENGLANGUAGE), row.language);
-        EXPECT_EQ(locale.Fact(LOCALE_ICOUNTRY), row.country_number);
-        EXPECT_EQ(locale.Fact(LOCALE_SENGCOUNTRY), row.country);
-        EXPECT_EQ(locale.Fact(LOCALE_SDECIMAL), row.decimal);
-        EXPECT_EQ(locale.Fact(LOCALE_STHOUSAND), row.thousands);
-        EXPECT_EQ(locale.Fact(LOCALE_SGROUPING), row.grouping);
-        EXPECT_EQ(locale.Fact(LOCALE_SLIST), row.list);
-        EXPECT_EQ(locale.Fact(LOCALE_IMEASURE), row.measure);
-        EXPECT_EQ(locale.Fact(LOCALE_SNEGATIVESIGN), "-");
-        EXPECT_EQ(locale.Fact(LOCALE_STIME), ":");
-        EXPECT_EQ(locale.Fact(LOCALE_IDIGITS), "2");
-        EXPECT_EQ(locale.Fact(LOCALE_ILZERO), "1");
+        const std::pair<DWORD, const char*> kFacts[] = {
+            {LOCALE_ILANGUAGE, row.number},
+            {LOCALE_SABBREVLANGNAME, row.letters},
+            {LOCALE_SENGLANGUAGE, row.language},
+            {LOCALE_ICOUNTRY, row.country_number},
+            {LOCALE_SENGCOUNTRY, row.country},
+            {LOCALE_SDECIMAL, row.decimal},
+            {LOCALE_STHOUSAND, row.thousands},
+            {LOCALE_SGROUPING, row.grouping},
+            {LOCALE_SLIST, row.list},
+            {LOCALE_IMEASURE, row.measure},
+            {LOCALE_SNEGATIVESIGN, "-"},
+            {LOCALE_STIME, ":"},
+            {LOCALE_IDIGITS, "2"},
+            {LOCALE_ILZERO, "1"},
+        };
+        for (const auto& [fact, expected] : kFacts) EXPECT_EQ(locale.Fact(fact), expected) << fact;
         if (!locale.IsUsers()) continue;  // the names are in the user's language
         EXPECT_EQ(locale.Fact(LOCALE_SLANGUAGE), row.own_name);
         EXPECT_EQ(locale.Fact(LOCALE_SCOUNTRY), row.own_country);

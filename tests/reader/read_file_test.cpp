@@ -131,16 +131,8 @@ TEST_F(ReadFile, DescribesItsStreams) {
     EXPECT_EQ(info[0].size, 184u);
     EXPECT_EQ(info[0].kind, 2u);
     EXPECT_EQ(info[0].length, 240u);
-    EXPECT_EQ(info[0].frameFormat.frameRate, 24.0);
-    EXPECT_EQ(info[0].frameFormat.size, 0u);
-    EXPECT_EQ(info[0].frameFormat.pixelAspect, 0.0);
-    const auto bitmap = FormatIn<BITMAPINFOHEADER>(info[0]);
-    EXPECT_EQ(bitmap.biSize, 40u);
-    EXPECT_EQ(bitmap.biWidth, 10);
-    EXPECT_EQ(bitmap.biHeight, 6);
-    EXPECT_EQ(bitmap.biPlanes, 1);
-    EXPECT_EQ(bitmap.biBitCount, 32);
-    EXPECT_EQ(bitmap.biSizeImage, 240u);
+    EXPECT_EQ(Facts(info[0].frameFormat), (std::vector<double>{0, 24, 0, 0}));
+    EXPECT_EQ(Facts(FormatIn<BITMAPINFOHEADER>(info[0])), (std::vector<int64_t>{40, 10, 6, 1, 32, 0, 240}));
 
     EXPECT_EQ(info[1].size, 190u);
     EXPECT_EQ(info[1].kind, 1u);

@@ -5,6 +5,7 @@
 
 #include <cstring>
 #include <string>
+#include <vector>
 
 #include "platform/scoped.h"
 #include "reader/host_interfaces.h"
@@ -67,6 +68,15 @@ Record FormatIn(const _ktstreaminfo& info) {
     Record record;
     std::memcpy(static_cast<void*>(&record), info.format, sizeof record);
     return record;
+}
+
+// Size, width, height, planes, bits, compression and bytes of the picture.
+inline std::vector<int64_t> Facts(const BITMAPINFOHEADER& b) {
+    return {b.biSize, b.biWidth, b.biHeight, b.biPlanes, b.biBitCount, b.biCompression, b.biSizeImage};
+}
+// Size, rate, aspect and gamma.
+inline std::vector<double> Facts(const _ktframeformat& f) {
+    return {static_cast<double>(f.size), f.frameRate, f.pixelAspect, f.gamma};
 }
 
 class ReaderTest : public testing::Test {

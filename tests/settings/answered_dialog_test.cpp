@@ -103,16 +103,16 @@ constexpr struct {
 } kInputs[] = {
     {"Tint", "12.5", S_OK},     {"Tint", "1e1", S_OK, "10"},        {"ColorTemperature", "100000", S_OK, "100000"},
     {"Tint", "-100", S_OK},     {"Tint", "100.001", kOutside},      {"UserCurveRed[3]", "1.5", kOutside},
-    {"Tint", "nan", kNoNumber}, {"Tint", "1e999", kOutside},        {"UserCurveRed[10]", "0.5", kUnknown},
-    {"Tint", "inf", kNoNumber}, {"Tint", "1,5", kNoNumber},         {"ImageDenoise", "-1", kNotOffered},
-    {"Tint", "", kNoNumber},    {"UserCurveRed[3]", "0.4", S_OK},   {"ImageDenoise", "4294967296", kNotOffered},
-    {"Tint", " 1", kNoNumber},  {"ImageDenoise", "6", S_OK},        {"ImageISO", "99999999999999999999", kNotOffered},
-    {"Tint", "1 ", kNoNumber},  {"ImageDenoise", "7", kNotOffered}, {"ImageDenoise", "Maximum", kNoNumber},
-    {"DEB", "1", S_OK},         {"ImageDenoise", "1.0", kNoNumber}, {"ColorVersion", "0", kNotOffered},
-    {"DEB", "2", kNotOffered},  {"ImageISO", "12800", S_OK},        {"ColorVersion", "3", S_OK, nullptr, true},
-    {"tint", "1", kUnknown},    {"ImageISO", "12801", kNotOffered}, {"ImageGammaCurve", "12", S_OK, nullptr, true},
-    {"", "1", kUnknown},        {"DEB", "true", kNoNumber},         {"ImageGammaCurve", "11", kNotOffered},
-    {nullptr, "1", E_POINTER},  {"Tint", nullptr, E_POINTER},
+    {"Tint", "nan", kNoNumber}, {"Tint", "-100.001", kOutside},     {"UserCurveRed[10]", "0.5", kUnknown},
+    {"Tint", "inf", kNoNumber}, {"Tint", "1e999", kOutside},        {"ImageDenoise", "-1", kNotOffered},
+    {"Tint", "", kNoNumber},    {"Tint", "1,5", kNoNumber},         {"ImageDenoise", "4294967296", kNotOffered},
+    {"Tint", " 1", kNoNumber},  {"UserCurveRed[3]", "0.4", S_OK},   {"ImageISO", "99999999999999999999", kNotOffered},
+    {"Tint", "1 ", kNoNumber},  {"ImageDenoise", "6", S_OK},        {"ImageDenoise", "Maximum", kNoNumber},
+    {"DEB", "1", S_OK},         {"ImageDenoise", "7", kNotOffered}, {"ColorVersion", "0", kNotOffered},
+    {"DEB", "2", kNotOffered},  {"ImageDenoise", "1.0", kNoNumber}, {"ColorVersion", "3", S_OK, nullptr, true},
+    {"tint", "1", kUnknown},    {"ImageISO", "12800", S_OK},        {"ImageISO", "12801", kNotOffered},
+    {"", "1", kUnknown},        {"DEB", "true", kNoNumber},         {"ImageGammaCurve", "12", S_OK, nullptr, true},
+    {nullptr, "1", E_POINTER},  {"Tint", nullptr, E_POINTER},       {"ImageGammaCurve", "11", kNotOffered},
 };
 
 TEST_F(AnsweredDialogTest, TakesWhatFitsAndRefusesTheRest) {
