@@ -29,17 +29,13 @@ int32_t NextNumber() {
     return static_cast<int32_t>(state >> 1);
 }
 
-class Printer {
-  public:
-    template <class... Arguments>
-    void Print(const WCHAR* format, Arguments... arguments) {
-        benchmark::DoNotOptimize(KtCchPrintF(text_, kRoom, nullptr, format, arguments...));
-        benchmark::ClobberMemory();
-    }
-
-  private:
-    WCHAR text_[kRoom];
-};
+template <class... Arguments>
+void Print(const WCHAR* format, Arguments... arguments) {
+    WCHAR text[kRoom];
+    benchmark::DoNotOptimize(KtCchPrintF(text, kRoom, nullptr, format, arguments...));
+    benchmark::DoNotOptimize(text);
+    benchmark::ClobberMemory();
+}
 
 template <class... Arguments>
 void Yardstick(std::u16string_view format, const Arguments&... arguments) {
@@ -50,16 +46,14 @@ void Yardstick(std::u16string_view format, const Arguments&... arguments) {
     benchmark::ClobberMemory();
 }
 
-void Decimal() { Printer().Print(W("%d"), NextNumber()); }
+void Decimal() { Print(W("%d"), NextNumber()); }
 void DecimalByFmt() { Yardstick(u"{}", NextNumber()); }
-void Hex() { Printer().Print(W("%08x"), NextNumber()); }
+void Hex() { Print(W("%08x"), NextNumber()); }
 void HexByFmt() { Yardstick(u"{:08x}", NextNumber()); }
-void Text() { Printer().Print(W("%s"), kName.data()); }
+void Text() { Print(W("%s"), kName.data()); }
 // A text that ends with a zero, as the printer gets it.
 void TextByFmt() { Yardstick(u"{}", kName.data()); }
-void Message() {
-    Printer().Print(W("%s: frame %d of %d, status 0x%08x"), kName.data(), NextNumber(), 1000, NextNumber());
-}
+void Message() { Print(W("%s: frame %d of %d, status 0x%08x"), kName.data(), NextNumber(), 1000, NextNumber()); }
 void MessageByFmt() {
     Yardstick(u"{}: frame {} of {}, status 0x{:08x}", kName.data(), NextNumber(), 1000, NextNumber());
 }
@@ -80,7 +74,7 @@ class IcuFormatter {
     UNumberFormat* format_;
 };
 
-void GroupedDecimal() { Printer().Print(W("$d"), NextNumber()); }
+void GroupedDecimal() { Print(W("$d"), NextNumber()); }
 void GroupedDecimalByIcu() {
     static const IcuFormatter format(0);
     char16_t text[kRoom];
@@ -88,7 +82,7 @@ void GroupedDecimalByIcu() {
     unum_format(format.Get(), NextNumber(), text, kRoom, nullptr, &error);
     benchmark::DoNotOptimize(text);
 }
-void GroupedDouble() { Printer().Print(W("$.2f"), NextNumber() / 64.0); }
+void GroupedDouble() { Print(W("$.2f"), NextNumber() / 64.0); }
 void GroupedDoubleByIcu() {
     static const IcuFormatter format(2);
     char16_t text[kRoom];

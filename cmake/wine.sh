@@ -2,7 +2,7 @@
 # Runs programs of the Windows target by Wine, without a display.
 #
 # usage: wine.sh PREFIX PROGRAM [ARGUMENT...]   runs PROGRAM; makes PREFIX and starts its server when there is none
-#        wine.sh PREFIX --start                 that alone
+#        wine.sh PREFIX --start                 that alone, and a desktop that stays for an hour or until --stop
 #        wine.sh PREFIX --stop                  ends the server and everything that runs in PREFIX
 #
 # The server and the services that come with it keep the standard streams of whoever started them. So they are started
@@ -45,8 +45,18 @@ start() {
     ) 9>"$prefix.lock"
 }
 
+# Windows live on a desktop, whose process starts with the first program that has one and ends with the last. Two
+# programs that meet while it does either may wait for it for ever. So something with a window is there all the time.
+keep_desktop() {
+    setsid timeout 3600 wine notepad </dev/null >/dev/null 2>&1 &
+    sleep 3
+}
+
 case ${1-} in
-    --start) start ;;
+    --start)
+        start
+        keep_desktop
+        ;;
     --stop) if [ -d "$prefix" ] && is_up; then quietly wineserver -k; fi ;;
     *)
         { [ -e "$prefix/is-made" ] && is_up; } || start

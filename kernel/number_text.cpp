@@ -1,6 +1,7 @@
 #include "kernel/number_text.h"
 
 #include <algorithm>
+#include <array>
 #include <iterator>
 
 #include "kernel/characters.h"
@@ -12,6 +13,16 @@ namespace clipfio {
 namespace {
 
 constexpr int32_t kLongestNumber = 512;  // characters of a number that is rounded
+
+// "000" to "999", each behind the place of a separator.
+constexpr auto kGroups = [] {
+    std::array<std::array<WCHAR, 4>, 1000> groups{};
+    for (std::size_t i = 0; i < groups.size(); ++i) {
+        groups[i] = {0, static_cast<WCHAR>(W('0') + i / 100), static_cast<WCHAR>(W('0') + i / 10 % 10),
+                     static_cast<WCHAR>(W('0') + i % 10)};
+    }
+    return groups;
+}();
 
 // What a field width put in front: everything up to a sign, a point, or the digits that count.
 std::size_t LeadingLength(WStringView source) noexcept {
@@ -143,27 +154,27 @@ int32_t PlainMinus(WCHAR* text, int32_t length, WStringView sign) noexcept {
     return length - static_cast<int32_t>(sign.size()) + 1;
 }
 
-std::size_t GroupDigits(int64_t value, WCHAR* out, std::size_t room, const KTINTERNATIONALS& record) noexcept {
-    uint64_t left = Magnitude(value);
-    const bool negative = value < 0;
+std::size_t GroupDigits(uint32_t magnitude, bool negative, WCHAR* out, std::size_t room,
+                        const KTINTERNATIONALS& record) noexcept {
     if (record.grouping != 3 || record.thousands.length != 1) {
-        const DecimalDigits digits(left);
+        const DecimalDigits digits(magnitude);
         return static_cast<std::size_t>(WriteExactly({negative, digits.View(), {}}, {true, 0}, record, out, room));
     }
     // What nearly every locale asks for, from the last group to the first.
-    const std::size_t digits = CountDigits(left);
+    const std::size_t digits = CountDigits(magnitude);
     const std::size_t length = digits + (digits - 1) / 3 + (negative ? 1 : 0);
     if (length > room) return 0;
     WCHAR* end = out + length;
-    const WCHAR separator = record.thousands.text[0];
-    for (; left >= 1000; left /= 1000) {
-        const auto group = static_cast<uint32_t>(left % 1000);
+    const auto put_group = [&end, separator = record.thousands.text[0]](uint32_t group) {
         end -= 4;
+        std::copy_n(kGroups[group].data(), 4, end);
         end[0] = separator;
-        end[1] = static_cast<WCHAR>(W('0') + group / 100);
-        std::copy_n(&kDigitPairs[std::size_t{group % 100} * 2], 2, end + 2);
-    }
-    WriteDigits(end, left);
+    };
+    for (; magnitude >= 1000; magnitude /= 1000) put_group(magnitude % 1000);
+    const auto& first = kGroups[magnitude];
+    end[-1] = first[3];
+    if (magnitude >= 10) end[-2] = first[2];
+    if (magnitude >= 100) end[-3] = first[1];
     if (negative) *out = W('-');
     return length;
 }

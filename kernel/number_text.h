@@ -37,7 +37,8 @@ NumberText FormatNumberText(const WCHAR* source, WCHAR* out, int32_t size, Numbe
 
 // A whole number other than 0, in groups. Characters, no terminator; 0 when they do not fit into `room`. Only with a
 // record that is filled.
-std::size_t GroupDigits(int64_t value, WCHAR* out, std::size_t room, const KTINTERNATIONALS& record) noexcept;
+std::size_t GroupDigits(uint32_t magnitude, bool negative, WCHAR* out, std::size_t room,
+                        const KTINTERNATIONALS& record) noexcept;
 
 // Puts "-" in the place of a sign at the front of `text`; returns the new length.
 int32_t PlainMinus(WCHAR* text, int32_t length, WStringView sign) noexcept;

@@ -319,10 +319,13 @@ class Engine {
         Separator(text);
     }
 
+    // Of 32 bits, with or without a sign.
     void Digits(int64_t value, bool grouped) noexcept {
+        if (!grouped || value == 0) return PlainDigits(value);
         const KTINTERNATIONALS& record = InternationalsRecord();
-        if (!grouped || value == 0 || record.record_size == 0) return PlainDigits(value);
-        const std::size_t length = GroupDigits(value, sink_.Tail(), sink_.Room(), record);
+        if (record.record_size == 0) return PlainDigits(value);
+        const std::size_t length =
+            GroupDigits(static_cast<uint32_t>(Magnitude(value)), value < 0, sink_.Tail(), sink_.Room(), record);
         sink_.Advance(length);
         if (length == 0) sink_.Put(DecimalDigits(value).View());
         status_ = length > 0 ? S_OK : kBufferTooSmall;

@@ -69,7 +69,7 @@ WString Grouping(const IcuLocale& locale) {
     const int32_t first = unum_getAttribute(numbers.get(), UNUM_GROUPING_SIZE);
     const int32_t second = unum_getAttribute(numbers.get(), UNUM_SECONDARY_GROUPING_SIZE);
     std::string text = std::to_string(first);
-    if (second > 0 && second != first) text += ";" + std::to_string(second);
+    if (second > 0 && second != first) text.append(";").append(std::to_string(second));
     return platform::Wide(text + ";0");
 }
 

@@ -7,6 +7,7 @@
 #include <limits>
 #include <vector>
 
+#include "kernel/number_text.h"
 #include "kernel/print_tokens.h"
 #include "platform/text.h"
 #include "support/in_locale.h"
@@ -61,6 +62,24 @@ TEST(Print, ConvertsAsTheRuntimeDoes) {
     EXPECT_EQ(Printed(W("%f"), std::numeric_limits<double>::infinity()), "1.#INF00");
     const WString long_text(500, W('y'));
     EXPECT_EQ(Printed(W("%s"), long_text.c_str()), std::string(500, 'y'));
+}
+
+// Two ways lead to groups: out of the number, and out of its text.
+TEST(Print, GroupsANumberAsItsTextIsGrouped) {
+    for (const LCID lcid : {0x0409u, 0x0407u, 0x0439u}) {
+        const InLocale locale(lcid);
+        for (int64_t power = 1; power <= 10'000'000'000; power *= 10) {
+            for (const int64_t wide : {power - 1, power, power + 1, 7 * power + 5, -power, 1 - power, -2 * power - 3}) {
+                const auto number = static_cast<int32_t>(wide);
+                WCHAR plain[16], grouped[32];
+                for (const auto& [text, format] : {std::pair{W("%d"), W("$d")}, {W("%u"), W("$u")}}) {
+                    KtPrintF(plain, text, number);
+                    KtFormatNumber(plain, grouped, 32);
+                    EXPECT_EQ(Printed(format, number), platform::Utf8(grouped)) << number;
+                }
+            }
+        }
+    }
 }
 
 TEST(Print, WritesNumbersAsTheUsersLocaleDoes) {
@@ -165,6 +184,7 @@ TEST(Print, PutsTokensInThePlaceOfTheirNames) {
 
 TEST(Print, KeepsToTheLimitsOfItsParts) {
     const InLocale locale(0x0409);
+    if (!locale.IsSet()) GTEST_SKIP() << locale.Lack();
     EXPECT_EQ(Printed(W("%1000000d"), 7), std::string(260, ' '));
     EXPECT_EQ(Printed(W("%300d|"), 7), std::string(260, ' ') + "|");
     EXPECT_EQ(Printed(W("$.300z"), 7), "0." + std::string(258, '0'));
@@ -205,6 +225,7 @@ void ExpectBounded(uint32_t size, HRESULT result, const char* expected, const WC
 
 TEST(Print, SaysWhatBecameOfEachElementWhenTheRoomIsShort) {
     const InLocale locale(0x0409);
+    if (!locale.IsSet()) GTEST_SKIP() << locale.Lack();
     ASSERT_EQ(KtPrintF_AddToken(W("Room"), W("abcdef")), 1);
     const struct {
         uint32_t size;

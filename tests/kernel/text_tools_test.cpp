@@ -222,6 +222,8 @@ TEST(ByteSizes, HaveTwoDecimals) {
 }
 
 TEST(DiskSpace, IsCountedInUnitsAndNeedsARoot) {
+    const InLocale locale(0x0409);  // and so in English
+    if (!locale.IsSet()) GTEST_SKIP() << locale.Lack();
     const WCHAR* const kHere = W("C:\\");
     const uint32_t all = KtGetDiskTotalSpace(kHere, 1 << 20);
     const uint32_t free = KtGetDiskFreeSpace(kHere, 1 << 20);
@@ -267,6 +269,8 @@ TEST(ComposedText, HasNumberedPlaces) {
 }
 
 TEST(StereoNames, AreMadeOfThePairsName) {
+    const InLocale locale(0x0409);  // and so in English
+    if (!locale.IsSet()) GTEST_SKIP() << locale.Lack();
     const struct {
         const char* name;
         const char* left;  // null: the name tells its side

@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <bit>
 #include <cstring>
-#include <filesystem>
 #include <iostream>
 #include <optional>
 #include <sstream>
@@ -14,6 +13,7 @@
 #include "reader/plugin_exports.h"
 #include "substitutes/decoder/clip_writer.h"
 #include "support/child_roles.h"
+#include "support/open_files.h"
 #include "support/scoped_variable.h"
 #include "support/temp_file.h"
 #include "support/whole_file.h"
@@ -106,12 +106,6 @@ std::string Report(IKtReadFileClass* file_class, const WCHAR* path) {
     result(audio->ReadSamples(kSamples - 10, &token, 100, &read));
     line << ' ' << read;
     return line.str();
-}
-
-std::ptrdiff_t OpenFiles() {
-    std::error_code none;
-    const std::filesystem::directory_iterator folder("/proc/self/fd", none);
-    return none ? 0 : std::distance(begin(folder), end(folder));
 }
 
 // A host over the substitute decoder.
@@ -237,7 +231,7 @@ CHILD_ROLE(report_clips) {
     std::ptrdiff_t open_files = -1;
     for (std::string path; std::getline(std::cin, path);) {
         std::cout << Report(file_class.Get(), platform::Wide(path).c_str()) << std::endl;
-        if (open_files < 0) open_files = OpenFiles();
+        if (open_files < 0) open_files = support::OpenFiles();
     }
-    return OpenFiles() == open_files ? 0 : 4;
+    return support::OpenFiles() == open_files ? 0 : 4;
 }

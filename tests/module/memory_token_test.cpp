@@ -5,25 +5,18 @@
 
 #include <algorithm>
 #include <cstring>
-#include <filesystem>
 #include <new>
 
+#include "support/open_files.h"
 #include "tests/module/shared_memory_roles.h"
 #include "tests/reader/reader_scene.h"
 
 namespace reader_tests {
 namespace {
 
-constexpr std::size_t kBytes = 300;
+using support::OpenFiles;
 
-// Open files of this process, where the system shows them as its own (and not those of a system around it): mappings
-// and processes are among them.
-std::ptrdiff_t OpenFiles() {
-    std::error_code none;
-    if (!std::filesystem::is_symlink("/proc/self/exe", none)) return 0;
-    const std::filesystem::directory_iterator folder("/proc/self/fd", none);
-    return none ? 0 : std::distance(begin(folder), end(folder));
-}
+constexpr std::size_t kBytes = 300;
 
 _ktmemorytoken OwnToken(std::vector<uint8_t>& memory) { return TokenOf(memory.data(), memory.size()); }
 
@@ -133,7 +126,7 @@ TEST(MemoryToken, ThatCannotBeUsedLeavesNothingBehind) {
     wild[0].type = 2;
     wild[1].address = 0;
     // Where nothing is. (Behind the owner's memory a platform may find gigabytes that it only reserved.)
-    wild[2].address = 0x7FFF00000000, wild[2].size = 0x7FFFFFFF;
+    wild[2].address = 0x7FFF00000000, wild[2].size = 0x0FFFFFFF;
     wild[3].processId = 0x7FFFFFF0;
     wild[4].size = 0x7FFFFFFF;
     wild[5].offset = -1;

@@ -11,6 +11,7 @@
 #include "platform/window.h"
 #include "support/child_roles.h"
 #include "support/last_error.h"
+#include "support/scoped_variable.h"
 #include "support/temp_file.h"
 
 namespace {
@@ -61,6 +62,13 @@ TEST(DocumentedDetails, NumbersFollowTheLocaleWithoutARecord) {
     WCHAR point[] = W(".");
     const NUMBERFMTW unknown_order{0, 1, 3, point, point, 5};
     EXPECT_EQ(GetNumberFormatW(0x0409, 0, W("5"), &unknown_order, text, 40), 0);
+}
+
+TEST(DocumentedDetails, NamesOfLocalesAreInTheUsersLanguage) {
+    const support::ScopedVariable german(W("KT_LCID"), W("0x0407"));
+    WCHAR name[40] = {};
+    EXPECT_GT(GetLocaleInfoW(LOCALE_USER_DEFAULT, LOCALE_SLANGUAGE, name, 40), 0);
+    EXPECT_EQ(platform::Utf8(name), "Deutsch (Deutschland)");
 }
 
 TEST(DocumentedDetails, ErrorsOfWindows) {
