@@ -39,8 +39,10 @@ start() {
         flock 9
         [ -e "$prefix/is-made" ] || make_prefix 9>&-
         if ! is_up; then
-            quietly wineserver "-p$seconds_without_programs" 9>&-
-            quietly wine wineboot 9>&-
+            # Somebody else's may have come meanwhile: what counts is that there is one.
+            quietly wineserver "-p$seconds_without_programs" 9>&- || true
+            quietly wine wineboot 9>&- || true
+            is_up || { echo "wine.sh: no server for $prefix" >&2; exit 1; }
         fi
     ) 9>"$prefix.lock"
 }

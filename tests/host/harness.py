@@ -21,8 +21,9 @@ class Result:
     def __init__(self, done):
         self.status = done.returncode
         self.raw = done.stdout
-        self.out = (done.stdout or b"").decode("utf-8", "replace")
-        self.err = done.stderr.decode("utf-8", "replace")
+        # Lines end as the system's do.
+        self.out = (done.stdout or b"").decode("utf-8", "replace").replace("\r\n", "\n")
+        self.err = done.stderr.decode("utf-8", "replace").replace("\r\n", "\n")
 
     @property
     def json(self):

@@ -199,6 +199,7 @@ class Pictures(CommandTest):
         self.assertIn("100%", shown)
         self.assertIn("12 of 12 frames", shown.split("\033[K")[-1])
 
+    @native_only
     def test_the_bar_goes_before_the_closing_line(self):
         self.sample()
         for args in [("make-sample", "b.r3d", "--size", "16x16"), ("sheet", "a.r3d", "-o", "s.png"),

@@ -35,8 +35,8 @@ def differences(name, files):
         return f"values {most} apart" if most > 1 / 65535 else ""
     if name.endswith(".wav"):
         return "" if read_wav(files[0]) == read_wav(files[1]) else "other samples"
-    # Report and settings also tell where the decoder library lies, and what the runtime calls the user's locale.
-    texts = [re.sub(rb"\[[^\]\n]*[/\\]bin[/\\]+\]|File Locale=[^|]*", b"", data) for data in files]
+    # Report and settings also tell where the decoder library lies, and the user's locale by the runtime's name and point.
+    texts = [re.sub(rb"\[[^\]\n]*[/\\]bin[/\\]+\]|File (?:Locale|DecimalPoint)=[^|]*", b"", data) for data in files]
     return "" if texts[0] == texts[1] else "other bytes"
 
 
