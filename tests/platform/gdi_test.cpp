@@ -66,7 +66,6 @@ TEST(Drawing, RefusesWrongHandles) {
     SIZE size{};
     TEXTMETRICW metrics{};
     EXPECT_FALSE(SelectObject(screen, nullptr));
-    EXPECT_FALSE(SelectObject(nullptr, Font(-10)));
     EXPECT_FALSE(GetTextExtentPoint32W(nullptr, W("a"), 1, &size));
     EXPECT_FALSE(GetTextExtentPoint32W(screen, W("a"), -1, &size));
     EXPECT_FALSE(GetTextMetricsW(nullptr, &metrics));
@@ -74,6 +73,7 @@ TEST(Drawing, RefusesWrongHandles) {
     EXPECT_EQ(ReleaseDC(nullptr, screen), 0);
     EXPECT_FALSE(GetTextMetricsW(screen, &metrics));
     const HFONT font = Font(-10);
+    EXPECT_FALSE(SelectObject(nullptr, font));
     EXPECT_TRUE(DeleteObject(font));
     EXPECT_FALSE(DeleteObject(font));
     EXPECT_FALSE(DeleteObject(nullptr));
