@@ -75,8 +75,13 @@ format: setup ## formats every source file
 check-format: setup ## fails when `make format` would change something
 	@clang-format-14 --dry-run --Werror $(SOURCES)
 
+# Without what only the other compiler reads: its precompiled headers and the names of some of its warnings.
 lint: build ## clang-tidy over every source file
-	@run-clang-tidy-14 -quiet -p build/native "$(CURDIR)/(?!build/).*"
+	@mkdir -p build/lint
+	@sed -e 's/-Winvalid-pch -include [^ ]*//' -e 's/ -Wno-stringop-overread//' -e 's/ -Werror//' \
+	    build/native/compile_commands.json >build/lint/compile_commands.json
+	@run-clang-tidy-14 -quiet -p build/lint "$(CURDIR)/(?!build/).*\.cpp" 2>&1 | \
+	    { ! grep -E -A4 '(error|warning):'; }
 
 install: build ## into PREFIX (/usr/local)
 	@cmake --install build/native --prefix "$(PREFIX)"

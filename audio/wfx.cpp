@@ -10,6 +10,7 @@ constexpr GUID kSubFormatBase = {0x00000000, 0x0000, 0x0010, {0x80, 0x00, 0x00, 
 
 bool IsPcmOrFloat(const GUID& subFormat) noexcept {
     const std::optional<uint16_t> tag = TagOfSubFormat(subFormat);
+    // NOLINTNEXTLINE(misc-redundant-expression): the tool compares the types alone
     return tag == kTagPcm || tag == kTagFloat;
 }
 

@@ -9,7 +9,6 @@
 namespace clipfio::host {
 namespace {
 
-constexpr std::uint16_t kTagFloat = 3;
 constexpr std::uint16_t kTagExtensible = 0xFFFE;
 // The sub-format of an extensible format: the tag, and then what all such ids share.
 constexpr std::uint8_t kFloatSubFormat[16] = {3, 0, 0, 0, 0, 0, 0x10, 0, 0x80, 0, 0, 0xAA, 0, 0x38, 0x9B, 0x71};

@@ -26,6 +26,7 @@ void StoreField(DecodeSettingsRecord& record, size_t offset, T field) noexcept {
 
 template <class Leaf>
 MediaPropertyItem* CloneLeaf(const Leaf& leaf, void* place) noexcept {
+    // NOLINTNEXTLINE(misc-redundant-expression): not on every target
     static_assert(sizeof(Leaf) <= kItemBytes && alignof(Leaf) <= alignof(std::max_align_t));
     return place ? new (place) Leaf(leaf) : new (std::nothrow) Leaf(leaf);
 }

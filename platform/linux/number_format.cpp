@@ -85,7 +85,7 @@ class Groups {
 // The digits of a value, rounded half away from zero to so many behind the point.
 class Rounded {
   public:
-    Rounded(const Value& value, std::size_t decimals) noexcept : value_(value), decimals_(decimals) {
+    Rounded(const Value& value, std::size_t decimals) noexcept : value_(value) {
         const bool up = decimals < value.fraction.size() && value.fraction[decimals] >= u'5';
         if (!up) return;
         // The digits that turn over: the last one kept and the nines in front of it.
@@ -111,7 +111,6 @@ class Rounded {
     }
 
     const Value& value_;
-    std::size_t decimals_;
     std::size_t raised_ = kNotRaised;  // the digits in front of this place are kept but for the last, which goes up
 };
 
