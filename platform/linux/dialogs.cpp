@@ -23,8 +23,6 @@ extern "C" INT_PTR DialogBoxParamW(HINSTANCE, const WCHAR*, HWND, DLGPROC, LPARA
 extern "C" INT_PTR DialogBoxIndirectParamW(HINSTANCE, const DLGTEMPLATE*, HWND, DLGPROC, LPARAM) noexcept {
     return NotHere<INT_PTR>(-1);
 }
-extern "C" HWND GetDesktopWindow() noexcept { return NotHere<HWND>(nullptr); }
-extern "C" BOOL GetWindowRect(HWND, RECT*) noexcept { return NotHere(FALSE); }
 
 extern "C" HACCEL CreateAcceleratorTableW(ACCEL*, int) noexcept { return NotHere<HACCEL>(nullptr); }
 extern "C" HBITMAP LoadBitmapW(HINSTANCE, const WCHAR*) noexcept { return NotHere<HBITMAP>(nullptr); }

@@ -14,6 +14,9 @@ using platform::Fail;
 using platform::FoundClass;
 using platform::HandleType;
 using platform::HandleUse;
+using platform::kDesktopWindow;
+using platform::kScreenHeight;
+using platform::kScreenWidth;
 using platform::Window;
 
 // The window behind a handle, which stays while this does; sets the last error when there is none.
@@ -62,6 +65,10 @@ Window* MakeWindow(const FoundClass& found, const CREATESTRUCTW& create) noexcep
     window->style = static_cast<DWORD>(create.style);
     window->ex_style = create.dwExStyle;
     window->instance = create.hInstance;
+    window->x = create.x;
+    window->y = create.y;
+    window->width = std::max(create.cx, 0);
+    window->height = std::max(create.cy, 0);
     window->id = (create.style & static_cast<LONG>(WS_CHILD)) != 0 ? reinterpret_cast<LONG_PTR>(create.hMenu) : 0;
     return window;
 }
@@ -86,7 +93,18 @@ extern "C" HWND CreateWindowExW(DWORD ex_style, const WCHAR* class_name, const W
                                 void* parameter) noexcept {
     FoundClass found;
     if (!platform::FindWindowClass(class_name, found)) return Fail<HWND>(ERROR_CANNOT_FIND_WND_CLASS, nullptr);
-    if ((parent || (style & WS_CHILD) != 0) && !WindowUse(parent)) return nullptr;
+    if (parent == kDesktopWindow) {
+        parent = nullptr;
+    } else if ((parent || (style & WS_CHILD) != 0) && !WindowUse(parent)) {
+        return nullptr;
+    }
+    const bool overlapped = (style & (WS_CHILD | WS_POPUP)) == 0;
+    if (overlapped) style |= WS_CAPTION;
+    if (x == CW_USEDEFAULT) x = y = 0;
+    if (width == CW_USEDEFAULT) {
+        width = overlapped ? kScreenWidth / 4 * 3 : 0;
+        height = overlapped ? kScreenHeight / 4 * 3 : 0;
+    }
     const CREATESTRUCTW create{parameter, instance,   menu,    parent, height, width, y, x, static_cast<LONG>(style),
                                text,      class_name, ex_style};
     Window* const window = platform::FaultHere() ? nullptr : MakeWindow(found, create);
@@ -104,12 +122,17 @@ extern "C" HWND CreateWindowExW(DWORD ex_style, const WCHAR* class_name, const W
 }
 
 extern "C" BOOL DestroyWindow(HWND handle) noexcept {
+    if (handle == kDesktopWindow) return Fail(ERROR_ACCESS_DENIED);
     const WindowUse window(handle);
     if (!window) return FALSE;
     if (window->destroying) return TRUE;
     window->destroying = true;
     SendMessageW(handle, WM_DESTROY, 0, 0);
-    while (window->first_child && DestroyWindow(window->first_child)) {
+    while (const HWND child = window->first_child) {
+        DestroyWindow(child);
+        // One that is being destroyed already, and whose procedure has come here, is still there.
+        const WindowUse still(child);
+        if (still) UnlinkFromParent(child, *still);
     }
     SendMessageW(handle, WM_NCDESTROY, 0, 0);
     UnlinkFromParent(handle, *window);
@@ -117,11 +140,16 @@ extern "C" BOOL DestroyWindow(HWND handle) noexcept {
     return TRUE;
 }
 
-extern "C" BOOL IsWindow(HWND handle) noexcept { return HandleUse(handle, HandleType::kWindow) ? TRUE : FALSE; }
+extern "C" BOOL IsWindow(HWND handle) noexcept {
+    return handle == kDesktopWindow || HandleUse(handle, HandleType::kWindow) ? TRUE : FALSE;
+}
 
 extern "C" HWND GetParent(HWND handle) noexcept {
+    if (handle == kDesktopWindow) return nullptr;
     const WindowUse window(handle);
-    return window ? window->parent : nullptr;
+    if (!window) return nullptr;
+    const bool on_screen = !window->parent && (window->style & WS_CHILD) != 0;
+    return on_screen ? kDesktopWindow : window->parent;
 }
 
 extern "C" HWND GetWindow(HWND handle, UINT relation) noexcept {

@@ -19,6 +19,10 @@ struct Window {
     DWORD style;
     DWORD ex_style;
     HINSTANCE instance;
+    int x;  // from the parent's inner corner, or on the screen
+    int y;
+    int width;
+    int height;
     LONG_PTR id;
     HFONT font;  // of a control; null: that of the system
     LONG_PTR user_data;
@@ -27,6 +31,11 @@ struct Window {
     std::size_t selection_start;  // of an edit control, in characters; both places lie in the text
     std::size_t selection_end;
 };
+
+// Stands for the screen; no handle of the table has this value.
+inline const auto kDesktopWindow = reinterpret_cast<HWND>(std::uintptr_t{0x10010});
+inline constexpr int kScreenWidth = 1024;
+inline constexpr int kScreenHeight = 768;
 
 void FreeWindow(Window* window) noexcept;
 

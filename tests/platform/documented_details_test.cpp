@@ -76,6 +76,10 @@ TEST(DocumentedDetails, ErrorsOfWindows) {
     EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_WINDOW_HANDLE});
     EXPECT_EQ(CreateWindowExW(0, W("NoSuchClass"), W(""), 0, 0, 0, 1, 1, nullptr, nullptr, nullptr, nullptr), nullptr);
     EXPECT_EQ(GetLastError(), DWORD{ERROR_CANNOT_FIND_WND_CLASS});
+    RECT screen{};
+    EXPECT_EQ(ErrorOf(DestroyWindow(GetDesktopWindow())), ERROR_ACCESS_DENIED);
+    EXPECT_TRUE(GetWindowRect(GetDesktopWindow(), &screen));
+    EXPECT_TRUE(screen.right == 1024 && screen.bottom == 768);
 }
 
 TEST(DocumentedDetails, AProcessEndsOnce) {

@@ -28,13 +28,6 @@ struct ACCEL {
 };
 struct DLGTEMPLATE;  // read as bytes: its fields are not all aligned
 
-struct RECT {
-    LONG left;
-    LONG top;
-    LONG right;
-    LONG bottom;
-};
-
 inline constexpr DWORD DS_SETFONT = 0x40;
 
 extern "C" HWND CreateDialogParamW(HINSTANCE module, const WCHAR* name, HWND parent, DLGPROC procedure,
@@ -45,8 +38,6 @@ extern "C" INT_PTR DialogBoxParamW(HINSTANCE module, const WCHAR* name, HWND par
                                    LPARAM parameter) noexcept;  // -1 on failure
 extern "C" INT_PTR DialogBoxIndirectParamW(HINSTANCE module, const DLGTEMPLATE* dialog, HWND parent, DLGPROC procedure,
                                            LPARAM parameter) noexcept;  // -1 on failure
-extern "C" HWND GetDesktopWindow() noexcept;
-extern "C" BOOL GetWindowRect(HWND window, RECT* rectangle) noexcept;
 
 extern "C" HACCEL CreateAcceleratorTableW(ACCEL* entries, int count) noexcept;
 extern "C" HBITMAP LoadBitmapW(HINSTANCE module, const WCHAR* name) noexcept;

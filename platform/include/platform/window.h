@@ -30,8 +30,17 @@ inline constexpr UINT EM_SETSEL = 0x00B1;
 inline constexpr UINT EM_REPLACESEL = 0x00C2;
 
 inline constexpr DWORD WS_OVERLAPPED = 0;
+inline constexpr DWORD WS_POPUP = 0x80000000;
 inline constexpr DWORD WS_CHILD = 0x40000000;
 inline constexpr DWORD WS_VISIBLE = 0x10000000;
+inline constexpr DWORD WS_BORDER = 0x00800000;
+inline constexpr DWORD WS_DLGFRAME = 0x00400000;
+inline constexpr DWORD WS_CAPTION = WS_BORDER | WS_DLGFRAME;
+inline constexpr DWORD WS_THICKFRAME = 0x00040000;
+inline constexpr DWORD WS_EX_DLGMODALFRAME = 0x00000001;
+inline constexpr DWORD WS_EX_CLIENTEDGE = 0x00000200;
+inline constexpr DWORD WS_EX_STATICEDGE = 0x00020000;
+inline constexpr int CW_USEDEFAULT = static_cast<int>(0x80000000u);
 inline constexpr DWORD ES_MULTILINE = 0x0004;
 inline constexpr DWORD ES_AUTOVSCROLL = 0x0040;
 
@@ -65,6 +74,13 @@ struct WNDCLASSEXW {
     HICON hIconSm;
 };
 
+struct RECT {
+    LONG left;
+    LONG top;
+    LONG right;
+    LONG bottom;
+};
+
 struct CREATESTRUCTW {
     void* lpCreateParams;
     HINSTANCE hInstance;
@@ -85,7 +101,9 @@ struct CREATESTRUCTW {
 extern "C" ATOM RegisterClassExW(const WNDCLASSEXW* window_class) noexcept;
 extern "C" BOOL UnregisterClassW(const WCHAR* name, HINSTANCE instance) noexcept;
 
-// `menu` is the id of a child. The procedure may refuse by WM_NCCREATE (FALSE) or WM_CREATE (-1).
+// In pixels, a child from its parent's inner corner, everything else on the screen. CW_USEDEFAULT is a choice for an
+// overlapped window and 0 for others; a negative size is none. `menu` is the id of a child. The procedure may refuse by
+// WM_NCCREATE (FALSE) or WM_CREATE (-1).
 extern "C" HWND CreateWindowExW(DWORD ex_style, const WCHAR* class_name, const WCHAR* text, DWORD style, int x, int y,
                                 int width, int height, HWND parent, HMENU menu, HINSTANCE instance,
                                 void* parameter) noexcept;
@@ -96,6 +114,12 @@ extern "C" HWND GetParent(HWND window) noexcept;
 // The next sibling, or the first child. Null when there is none.
 extern "C" HWND GetWindow(HWND window, UINT relation) noexcept;
 extern "C" HWND GetDlgItem(HWND parent, int id) noexcept;
+// The screen: 1024 by 768 pixels. It can be a parent, and neither has text nor lists its windows.
+extern "C" HWND GetDesktopWindow() noexcept;
+// The whole window on the screen.
+extern "C" BOOL GetWindowRect(HWND window, RECT* rectangle) noexcept;
+// From the inner part of a window of these styles to the whole of it.
+extern "C" BOOL AdjustWindowRectEx(RECT* rectangle, DWORD style, BOOL has_menu, DWORD ex_style) noexcept;
 
 extern "C" LRESULT SendMessageW(HWND window, UINT message, WPARAM wparam, LPARAM lparam) noexcept;
 // Keeps the text of the window, and the font of a control.
