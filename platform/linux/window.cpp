@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <optional>
 
-#include "errors.h"
+#include "dialog_record.h"
 #include "fault_point.h"
-#include "handles.h"
 #include "window_classes.h"
+#include "window_use.h"
 
 namespace {
 
@@ -18,20 +18,7 @@ using platform::kDesktopWindow;
 using platform::kScreenHeight;
 using platform::kScreenWidth;
 using platform::Window;
-
-// The window behind a handle, which stays while this does; sets the last error when there is none.
-class WindowUse {
-  public:
-    explicit WindowUse(HWND handle) noexcept : use_(handle, HandleType::kWindow) {
-        if (!use_) SetLastError(ERROR_INVALID_WINDOW_HANDLE);
-    }
-    explicit operator bool() const noexcept { return static_cast<bool>(use_); }
-    Window* operator->() const noexcept { return use_->window; }
-    Window& operator*() const noexcept { return *use_->window; }
-
-  private:
-    HandleUse use_;
-};
+using platform::WindowUse;
 
 void LinkToParent(HWND handle, Window& window) noexcept {
     if (!window.parent) return;
@@ -180,9 +167,10 @@ extern "C" LRESULT SendMessageW(HWND handle, UINT message, WPARAM wparam, LPARAM
     const WindowUse window(handle);
     if (!window) return 0;
     if (window->procedure) return window->procedure(handle, message, wparam, lparam);
-    const bool is_edit = platform::kBuiltinClasses[window->builtin] == u"EDIT";
-    return is_edit ? platform::EditProcedure(handle, *window, message, wparam, lparam)
-                   : platform::ControlProcedure(handle, *window, message, wparam, lparam);
+    const WStringView name = platform::kBuiltinClasses[window->builtin];
+    if (name == WC_DIALOG) return DefDlgProcW(handle, message, wparam, lparam);
+    return name == u"EDIT" ? platform::EditProcedure(handle, *window, message, wparam, lparam)
+                           : platform::ControlProcedure(handle, *window, message, wparam, lparam);
 }
 
 extern "C" LRESULT DefWindowProcW(HWND handle, UINT message, WPARAM wparam, LPARAM lparam) noexcept {
@@ -205,6 +193,7 @@ extern "C" LRESULT DefWindowProcW(HWND handle, UINT message, WPARAM wparam, LPAR
 extern "C" LONG_PTR GetWindowLongPtrW(HWND handle, int index) noexcept {
     const WindowUse window(handle);
     if (!window) return 0;
+    const platform::Dialog* const dialog = window->dialog;
     switch (index) {
         case GWLP_WNDPROC:
             return reinterpret_cast<LONG_PTR>(window->procedure);
@@ -212,15 +201,28 @@ extern "C" LONG_PTR GetWindowLongPtrW(HWND handle, int index) noexcept {
             return window->id;
         case GWLP_USERDATA:
             return window->user_data;
+        case GWL_STYLE:
+            return static_cast<LONG>(window->style);
+        case DWLP_MSGRESULT:
+            if (dialog) return dialog->message_result;
+            break;
+        case DWLP_DLGPROC:
+            if (dialog) return reinterpret_cast<LONG_PTR>(dialog->procedure);
+            break;
+        case DWLP_USER:
+            if (dialog) return dialog->user_data;
+            break;
         default:
-            return Fail(ERROR_INVALID_INDEX, LONG_PTR{0});
+            break;
     }
+    return Fail(ERROR_INVALID_INDEX, LONG_PTR{0});
 }
 
 extern "C" LONG_PTR SetWindowLongPtrW(HWND handle, int index, LONG_PTR value) noexcept {
     const WindowUse window(handle);
     if (!window) return 0;
     const LONG_PTR old = GetWindowLongPtrW(handle, index);
+    platform::Dialog* const dialog = window->dialog;
     switch (index) {
         case GWLP_WNDPROC:
             window->procedure = reinterpret_cast<WNDPROC>(value);
@@ -230,6 +232,18 @@ extern "C" LONG_PTR SetWindowLongPtrW(HWND handle, int index, LONG_PTR value) no
             break;
         case GWLP_USERDATA:
             window->user_data = value;
+            break;
+        case GWL_STYLE:
+            window->style = static_cast<DWORD>(value);
+            break;
+        case DWLP_MSGRESULT:
+            if (dialog) dialog->message_result = value;
+            break;
+        case DWLP_DLGPROC:
+            if (dialog) dialog->procedure = reinterpret_cast<DLGPROC>(value);
+            break;
+        case DWLP_USER:
+            if (dialog) dialog->user_data = value;
             break;
         default:
             break;
