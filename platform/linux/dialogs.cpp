@@ -219,11 +219,23 @@ extern "C" BOOL MapDialogRect(HWND handle, RECT* rectangle) noexcept {
     return TRUE;
 }
 
-extern "C" INT_PTR DialogBoxParamW(HINSTANCE, const WCHAR*, HWND, DLGPROC, LPARAM) noexcept {
-    return NotHere<INT_PTR>(-1);
+extern "C" INT_PTR DialogBoxIndirectParamW(HINSTANCE module, const DLGTEMPLATE* dialog, HWND parent, DLGPROC procedure,
+                                           LPARAM parameter) noexcept {
+    if (parent && !IsWindow(parent)) return Fail(ERROR_INVALID_WINDOW_HANDLE, INT_PTR{0});
+    const HWND handle = CreateDialogIndirectParamW(module, dialog, parent, procedure, parameter);
+    if (!handle) return -1;
+    const WindowUse window(handle);
+    if (!window) return -1;
+    const bool ended = window->dialog->ended;
+    const INT_PTR result = window->dialog->result;
+    DestroyWindow(handle);
+    return ended ? result : NotHere<INT_PTR>(-1);
 }
-extern "C" INT_PTR DialogBoxIndirectParamW(HINSTANCE, const DLGTEMPLATE*, HWND, DLGPROC, LPARAM) noexcept {
-    return NotHere<INT_PTR>(-1);
+
+extern "C" INT_PTR DialogBoxParamW(HINSTANCE module, const WCHAR* name, HWND parent, DLGPROC procedure,
+                                   LPARAM parameter) noexcept {
+    const DLGTEMPLATE* const dialog = FindTemplate(module, name);
+    return dialog ? DialogBoxIndirectParamW(module, dialog, parent, procedure, parameter) : -1;
 }
 
 extern "C" HACCEL CreateAcceleratorTableW(ACCEL*, int) noexcept { return NotHere<HACCEL>(nullptr); }

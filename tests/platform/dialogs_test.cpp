@@ -154,6 +154,22 @@ TEST_F(Dialogs, HaveTheFramesOfTheirStyles) {
     EXPECT_TRUE(DestroyWindow(dialog));
 }
 
+INT_PTR CALLBACK EndAtOnce(HWND dialog, UINT message, WPARAM, LPARAM lparam) {
+    if (message == WM_INITDIALOG) {
+        EXPECT_TRUE(EndDialog(dialog, lparam + 1));
+    }
+    return FALSE;
+}
+
+TEST_F(Dialogs, GiveWhatTheyAreEndedWith) {
+    const Template source = WithControls(true, kStyle);
+    EXPECT_EQ(DialogBoxIndirectParamW(nullptr, source.Get(), nullptr, EndAtOnce, 41), 42);
+    EXPECT_EQ(DialogBoxIndirectParamW(nullptr, source.Get(), GetDesktopWindow(), EndAtOnce, -1), 0);
+    const Template unknown = WithControls(true, kStyle, W("NoSuchClass"));
+    EXPECT_EQ(DialogBoxIndirectParamW(nullptr, unknown.Get(), nullptr, EndAtOnce, 41), -1);
+    EXPECT_EQ(DialogBoxParamW(nullptr, W("NoSuchDialog"), nullptr, EndAtOnce, 41), -1);
+}
+
 TEST_F(Dialogs, NeedTheClassesOfTheirControls) {
     const Template whole = WithControls(true, kStyle, W("NoSuchClass"));
     EXPECT_FALSE(CreateDialogIndirectParamW(nullptr, whole.Get(), nullptr, Procedure, 0));

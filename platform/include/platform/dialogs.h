@@ -1,7 +1,7 @@
 // Dialogs and the other objects of the user interface that are made out of resources, menus apart.
 //
 // Natively dialogs are made and never shown, and nobody can answer one. The calls for objects of other kinds fail there
-// with ERROR_CALL_NOT_IMPLEMENTED, and so do dialogs that wait for an answer.
+// with ERROR_CALL_NOT_IMPLEMENTED.
 #pragma once
 
 #include "platform/base.h"
@@ -49,10 +49,13 @@ extern "C" HWND CreateDialogParamW(HINSTANCE module, const WCHAR* name, HWND par
                                    LPARAM parameter) noexcept;
 extern "C" HWND CreateDialogIndirectParamW(HINSTANCE module, const DLGTEMPLATE* dialog, HWND parent, DLGPROC procedure,
                                            LPARAM parameter) noexcept;
+// What EndDialog was given; 0 for a wrong parent and -1 for a dialog that cannot be made. Natively nobody can answer: a
+// dialog whose procedure has not ended it by the end of WM_INITDIALOG is destroyed, and the call gives -1 with
+// ERROR_CALL_NOT_IMPLEMENTED instead of waiting for ever.
 extern "C" INT_PTR DialogBoxParamW(HINSTANCE module, const WCHAR* name, HWND parent, DLGPROC procedure,
-                                   LPARAM parameter) noexcept;  // -1 on failure
+                                   LPARAM parameter) noexcept;
 extern "C" INT_PTR DialogBoxIndirectParamW(HINSTANCE module, const DLGTEMPLATE* dialog, HWND parent, DLGPROC procedure,
-                                           LPARAM parameter) noexcept;  // -1 on failure
+                                           LPARAM parameter) noexcept;
 
 // Lets the dialog end with that result, once its procedure has returned; one that nobody waits for stays.
 extern "C" BOOL EndDialog(HWND dialog, INT_PTR result) noexcept;
