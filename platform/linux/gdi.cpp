@@ -12,6 +12,7 @@
 #include "font_record.h"
 #include "handles.h"
 #include "platform/text.h"
+#include "platform/window.h"
 
 namespace {
 
@@ -65,7 +66,7 @@ BOOL WithFont(HDC context, Measure measure) noexcept {
 }  // namespace
 
 extern "C" HDC GetDC(HWND window) noexcept {
-    if (window && !HandleUse(window, HandleType::kWindow)) return Fail<HDC>(ERROR_INVALID_HANDLE, nullptr);
+    if (window && !IsWindow(window)) return Fail<HDC>(ERROR_INVALID_HANDLE, nullptr);
     return platform::NewDeviceContextHandle();
 }
 

@@ -5,16 +5,15 @@
 
 #include "errors.h"
 #include "fault_point.h"
-#include "platform/endian.h"
 #include "platform/resources.h"
-#include "resources.h"
 #include "safe_memory.h"
+#include "template_bytes.h"
 
 namespace {
 
 using platform::Fail;
 using platform::Guarded;
-using platform::LoadLittle;
+using platform::TemplateBytes;
 
 constexpr UINT kNone = static_cast<UINT>(-1);
 constexpr int kMaxDepth = 32;
@@ -102,42 +101,6 @@ bool IsBelow(const Menu& menu, const Menu* wanted) noexcept {
     return false;
 }
 
-// Reads a template, whose end is known only when it is a resource.
-class Template {
-  public:
-    explicit Template(const void* bytes) noexcept
-        : start_(static_cast<const unsigned char*>(bytes)), size_(platform::ResourceBytesFrom(bytes)) {}
-
-    [[nodiscard]] bool Failed() const noexcept { return failed_; }
-    void Skip(std::size_t bytes) noexcept { Take(bytes); }
-    void Align() noexcept { Skip((4 - at_ % 4) % 4); }
-
-    template <class T>
-    T Read() noexcept {
-        const unsigned char* const bytes = Take(sizeof(T));
-        return bytes ? LoadLittle<T>(bytes) : T{};
-    }
-
-    WString ReadText() {
-        WString text;
-        while (const auto unit = Read<WORD>()) text += static_cast<WCHAR>(unit);
-        return text;
-    }
-
-  private:
-    const unsigned char* Take(std::size_t bytes) noexcept {
-        failed_ = failed_ || bytes > size_ - at_;
-        if (failed_) return nullptr;
-        at_ += bytes;
-        return start_ + at_ - bytes;
-    }
-
-    const unsigned char* start_;
-    std::size_t size_;
-    std::size_t at_ = 0;
-    bool failed_ = false;
-};
-
 class TemplateReader {
   public:
     explicit TemplateReader(const void* bytes) noexcept : in_(bytes) {}
@@ -198,7 +161,7 @@ class TemplateReader {
         return popup;
     }
 
-    Template in_;
+    TemplateBytes in_;
     std::size_t count_ = 0;
 };
 

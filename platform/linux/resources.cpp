@@ -197,15 +197,19 @@ std::size_t ResourceBytesFrom(const void* address) noexcept {
     {
         PthreadLock lock(Shared().resource_lock);
         for (const ResourceImage& known : Shared().images) {
-            if (known.bytes && at - reinterpret_cast<std::uintptr_t>(known.bytes) < known.size) image = known;
+            const std::uintptr_t into = at - reinterpret_cast<std::uintptr_t>(known.bytes);
+            // An empty resource may lie at the image's very end.
+            if (known.bytes && (into < known.size || (into == known.size && !image.bytes))) image = known;
         }
     }
     Entry entry;
     for (Walk walk(image); walk.Next(entry);) {
         const std::uintptr_t into = at - reinterpret_cast<std::uintptr_t>(entry.data);
         if (into < entry.size) return entry.size - into;
+        if (into == 0 && entry.size == 0) return 0;
     }
-    return image.bytes ? 0 : SIZE_MAX;
+    const bool inside = image.bytes && at - reinterpret_cast<std::uintptr_t>(image.bytes) < image.size;
+    return inside ? 0 : SIZE_MAX;
 }
 
 bool HoldsResource(HMODULE module, HRSRC resource) noexcept {

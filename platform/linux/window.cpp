@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <optional>
 
-#include "errors.h"
+#include "dialog_record.h"
 #include "fault_point.h"
-#include "handles.h"
 #include "window_classes.h"
+#include "window_use.h"
 
 namespace {
 
@@ -14,21 +14,11 @@ using platform::Fail;
 using platform::FoundClass;
 using platform::HandleType;
 using platform::HandleUse;
+using platform::kDesktopWindow;
+using platform::kScreenHeight;
+using platform::kScreenWidth;
 using platform::Window;
-
-// The window behind a handle, which stays while this does; sets the last error when there is none.
-class WindowUse {
-  public:
-    explicit WindowUse(HWND handle) noexcept : use_(handle, HandleType::kWindow) {
-        if (!use_) SetLastError(ERROR_INVALID_WINDOW_HANDLE);
-    }
-    explicit operator bool() const noexcept { return static_cast<bool>(use_); }
-    Window* operator->() const noexcept { return use_->window; }
-    Window& operator*() const noexcept { return *use_->window; }
-
-  private:
-    HandleUse use_;
-};
+using platform::WindowUse;
 
 void LinkToParent(HWND handle, Window& window) noexcept {
     if (!window.parent) return;
@@ -62,6 +52,10 @@ Window* MakeWindow(const FoundClass& found, const CREATESTRUCTW& create) noexcep
     window->style = static_cast<DWORD>(create.style);
     window->ex_style = create.dwExStyle;
     window->instance = create.hInstance;
+    window->x = create.x;
+    window->y = create.y;
+    window->width = std::max(create.cx, 0);
+    window->height = std::max(create.cy, 0);
     window->id = (create.style & static_cast<LONG>(WS_CHILD)) != 0 ? reinterpret_cast<LONG_PTR>(create.hMenu) : 0;
     return window;
 }
@@ -86,7 +80,18 @@ extern "C" HWND CreateWindowExW(DWORD ex_style, const WCHAR* class_name, const W
                                 void* parameter) noexcept {
     FoundClass found;
     if (!platform::FindWindowClass(class_name, found)) return Fail<HWND>(ERROR_CANNOT_FIND_WND_CLASS, nullptr);
-    if ((parent || (style & WS_CHILD) != 0) && !WindowUse(parent)) return nullptr;
+    if (parent == kDesktopWindow) {
+        parent = nullptr;
+    } else if ((parent || (style & WS_CHILD) != 0) && !WindowUse(parent)) {
+        return nullptr;
+    }
+    const bool overlapped = (style & (WS_CHILD | WS_POPUP)) == 0;
+    if (overlapped) style |= WS_CAPTION;
+    if (x == CW_USEDEFAULT) x = y = 0;
+    if (width == CW_USEDEFAULT) {
+        width = overlapped ? kScreenWidth / 4 * 3 : 0;
+        height = overlapped ? kScreenHeight / 4 * 3 : 0;
+    }
     const CREATESTRUCTW create{parameter, instance,   menu,    parent, height, width, y, x, static_cast<LONG>(style),
                                text,      class_name, ex_style};
     Window* const window = platform::FaultHere() ? nullptr : MakeWindow(found, create);
@@ -104,12 +109,17 @@ extern "C" HWND CreateWindowExW(DWORD ex_style, const WCHAR* class_name, const W
 }
 
 extern "C" BOOL DestroyWindow(HWND handle) noexcept {
+    if (handle == kDesktopWindow) return Fail(ERROR_ACCESS_DENIED);
     const WindowUse window(handle);
     if (!window) return FALSE;
     if (window->destroying) return TRUE;
     window->destroying = true;
     SendMessageW(handle, WM_DESTROY, 0, 0);
-    while (window->first_child && DestroyWindow(window->first_child)) {
+    while (const HWND child = window->first_child) {
+        DestroyWindow(child);
+        // One that is being destroyed already, and whose procedure has come here, is still there.
+        const WindowUse still(child);
+        if (still) UnlinkFromParent(child, *still);
     }
     SendMessageW(handle, WM_NCDESTROY, 0, 0);
     UnlinkFromParent(handle, *window);
@@ -117,11 +127,16 @@ extern "C" BOOL DestroyWindow(HWND handle) noexcept {
     return TRUE;
 }
 
-extern "C" BOOL IsWindow(HWND handle) noexcept { return HandleUse(handle, HandleType::kWindow) ? TRUE : FALSE; }
+extern "C" BOOL IsWindow(HWND handle) noexcept {
+    return handle == kDesktopWindow || HandleUse(handle, HandleType::kWindow) ? TRUE : FALSE;
+}
 
 extern "C" HWND GetParent(HWND handle) noexcept {
+    if (handle == kDesktopWindow) return nullptr;
     const WindowUse window(handle);
-    return window ? window->parent : nullptr;
+    if (!window) return nullptr;
+    const bool on_screen = !window->parent && (window->style & WS_CHILD) != 0;
+    return on_screen ? kDesktopWindow : window->parent;
 }
 
 extern "C" HWND GetWindow(HWND handle, UINT relation) noexcept {
@@ -152,9 +167,10 @@ extern "C" LRESULT SendMessageW(HWND handle, UINT message, WPARAM wparam, LPARAM
     const WindowUse window(handle);
     if (!window) return 0;
     if (window->procedure) return window->procedure(handle, message, wparam, lparam);
-    const bool is_edit = platform::kBuiltinClasses[window->builtin] == u"EDIT";
-    return is_edit ? platform::EditProcedure(handle, *window, message, wparam, lparam)
-                   : platform::ControlProcedure(handle, *window, message, wparam, lparam);
+    const WStringView name = platform::kBuiltinClasses[window->builtin];
+    if (name == WC_DIALOG) return DefDlgProcW(handle, message, wparam, lparam);
+    return name == u"EDIT" ? platform::EditProcedure(handle, *window, message, wparam, lparam)
+                           : platform::ControlProcedure(handle, *window, message, wparam, lparam);
 }
 
 extern "C" LRESULT DefWindowProcW(HWND handle, UINT message, WPARAM wparam, LPARAM lparam) noexcept {
@@ -177,6 +193,7 @@ extern "C" LRESULT DefWindowProcW(HWND handle, UINT message, WPARAM wparam, LPAR
 extern "C" LONG_PTR GetWindowLongPtrW(HWND handle, int index) noexcept {
     const WindowUse window(handle);
     if (!window) return 0;
+    const platform::Dialog* const dialog = window->dialog;
     switch (index) {
         case GWLP_WNDPROC:
             return reinterpret_cast<LONG_PTR>(window->procedure);
@@ -184,15 +201,28 @@ extern "C" LONG_PTR GetWindowLongPtrW(HWND handle, int index) noexcept {
             return window->id;
         case GWLP_USERDATA:
             return window->user_data;
+        case GWL_STYLE:
+            return static_cast<LONG>(window->style);
+        case DWLP_MSGRESULT:
+            if (dialog) return dialog->message_result;
+            break;
+        case DWLP_DLGPROC:
+            if (dialog) return reinterpret_cast<LONG_PTR>(dialog->procedure);
+            break;
+        case DWLP_USER:
+            if (dialog) return dialog->user_data;
+            break;
         default:
-            return Fail(ERROR_INVALID_INDEX, LONG_PTR{0});
+            break;
     }
+    return Fail(ERROR_INVALID_INDEX, LONG_PTR{0});
 }
 
 extern "C" LONG_PTR SetWindowLongPtrW(HWND handle, int index, LONG_PTR value) noexcept {
     const WindowUse window(handle);
     if (!window) return 0;
     const LONG_PTR old = GetWindowLongPtrW(handle, index);
+    platform::Dialog* const dialog = window->dialog;
     switch (index) {
         case GWLP_WNDPROC:
             window->procedure = reinterpret_cast<WNDPROC>(value);
@@ -202,6 +232,18 @@ extern "C" LONG_PTR SetWindowLongPtrW(HWND handle, int index, LONG_PTR value) no
             break;
         case GWLP_USERDATA:
             window->user_data = value;
+            break;
+        case GWL_STYLE:
+            window->style = static_cast<DWORD>(value);
+            break;
+        case DWLP_MSGRESULT:
+            if (dialog) dialog->message_result = value;
+            break;
+        case DWLP_DLGPROC:
+            if (dialog) dialog->procedure = reinterpret_cast<DLGPROC>(value);
+            break;
+        case DWLP_USER:
+            if (dialog) dialog->user_data = value;
             break;
         default:
             break;

@@ -9,7 +9,7 @@ namespace platform {
 namespace {
 
 bool CapitalName(const WCHAR* name, WCHAR (&out)[kLongestClassName]) noexcept {
-    if (!name) return false;
+    if (reinterpret_cast<std::uintptr_t>(name) <= 0xFFFF) return false;  // an atom
     std::size_t length = 0;
     for (; name[length] != 0; ++length) {
         if (length + 1 == kLongestClassName) return false;
@@ -29,9 +29,26 @@ WindowClass* Find(WStringView capital_name) noexcept {
     return found == end ? nullptr : found;
 }
 
+// What RegisterClassExW gives is the place in the table.
+constexpr std::uintptr_t kFirstAtom = 0xC000;
+constexpr std::uintptr_t kLastAtom = 0xFFFF;
+
+bool FindAtom(std::uintptr_t atom, FoundClass& found) noexcept {
+    if (atom - kFirstBuiltinAtom < kBuiltinAtoms) {
+        found = {nullptr, static_cast<std::uint32_t>(atom - kFirstBuiltinAtom)};
+        return true;
+    }
+    if (atom - kFirstAtom >= kMaxWindowClasses) return false;
+    const PthreadLock lock(Shared().class_lock);
+    const WindowClass& row = Shared().window_classes[atom - kFirstAtom];
+    if (row.name[0] != 0) found = {row.procedure, 0};
+    return row.name[0] != 0;
+}
+
 }  // namespace
 
 bool FindWindowClass(const WCHAR* name, FoundClass& found) noexcept {
+    if (const auto atom = reinterpret_cast<std::uintptr_t>(name); atom <= kLastAtom) return FindAtom(atom, found);
     WCHAR capitals[kLongestClassName];
     if (!CapitalName(name, capitals)) return false;
     const WStringView wanted(capitals);
@@ -64,8 +81,7 @@ extern "C" ATOM RegisterClassExW(const WNDCLASSEXW* window_class) noexcept {
     std::copy(std::begin(capitals), std::end(capitals), row->name);
     row->procedure = window_class->lpfnWndProc;
     row->instance = window_class->hInstance;
-    constexpr std::ptrdiff_t kFirstAtom = 0xC000;
-    return static_cast<ATOM>(kFirstAtom + (row - Shared().window_classes));
+    return static_cast<ATOM>(kFirstAtom + static_cast<std::uintptr_t>(row - Shared().window_classes));
 }
 
 extern "C" BOOL UnregisterClassW(const WCHAR* name, HINSTANCE) noexcept {

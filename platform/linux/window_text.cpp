@@ -8,6 +8,7 @@ namespace platform {
 
 void FreeWindow(Window* window) noexcept {
     if (!window) return;
+    FreeDialog(window->dialog);
     std::free(window->text);
     std::free(window);
 }

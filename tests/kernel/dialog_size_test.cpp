@@ -7,35 +7,15 @@
 
 #include "kernel/ui_fonts.h"
 #include "platform/text.h"
+#include "support/dialog_template.h"
 
 namespace {
 
 constexpr WCHAR kNoFace[] = W("");
 
-class Template {
-  public:
-    Template& Word(uint32_t value) {
-        bytes_ += static_cast<char>(value & 0xFF);
-        bytes_ += static_cast<char>(value >> 8 & 0xFF);
-        return *this;
-    }
-    Template& Double(uint32_t value) { return Word(value & 0xFFFF).Word(value >> 16); }
-    Template& Text(const WCHAR* text) {
-        for (; *text; ++text) Word(*text);
-        return Word(0);
-    }
-    [[nodiscard]] const std::string& Bytes() const { return bytes_; }
-
-  private:
-    std::string bytes_;
-};
-
-Template Plain(uint32_t style, uint32_t width, uint32_t height) {
-    return Template().Double(style).Double(0).Word(0).Double(0).Word(width).Word(height);
-}
-Template Extended(uint32_t style, uint32_t width, uint32_t height) {
-    return Template().Word(1).Word(0xFFFF).Double(0).Double(0).Double(style).Word(0).Double(0).Word(width).Word(height);
-}
+using support::Extended;
+using support::Plain;
+using support::Template;
 
 class DialogSize : public testing::Test {
   protected:

@@ -8,8 +8,10 @@
 #include <thread>
 #include <vector>
 
+#include "kernel/dialog_size.h"
 #include "kernel/files.h"
 #include "kernel/runtime/lifecycle.h"
+#include "platform/locale.h"
 #include "platform/resources.h"
 #include "platform/text.h"
 
@@ -42,6 +44,37 @@ TEST_F(Language, GivesTextsThatStay) {
     EXPECT_EQ(KtGetString(handle_, 1112), first);
     EXPECT_EQ(WStringView(first), W("R3D"));
     EXPECT_EQ(WStringView(KtGetString(nullptr, 1112)), W(""));
+}
+
+// For a user of English it is that of the template, else that of the window with its frame.
+TEST_F(Language, TellsTheSizeOfTheDialog) {
+    const WCHAR* const classes[] = {W("KtKrn_Trackbar_Class"), W("CURVE_CONTROL_LUMA_CLASS"),
+                                    W("CURVE_CONTROL_RED_CLASS"), W("CURVE_CONTROL_GREEN_CLASS"),
+                                    W("CURVE_CONTROL_BLUE_CLASS")};
+    for (const WCHAR* const name : classes) {
+        WNDCLASSEXW of_controls{};
+        of_controls.cbSize = sizeof of_controls;
+        of_controls.style = CS_GLOBALCLASS;
+        of_controls.lpfnWndProc = DefWindowProcW;
+        of_controls.lpszClassName = name;
+        RegisterClassExW(&of_controls);  // some may be there
+    }
+    constexpr WORD kDialog = 111;
+    const void* const source =
+        LockResource(KtLoadResourceCustom(handle_, MAKEINTRESOURCEW(kDialog), RT_DIALOG, nullptr));
+    SIZE inner{};
+    ASSERT_EQ(KtGetDialogSizeIndirect(handle_, static_cast<const DLGTEMPLATE*>(source), &inner), 1);
+    EXPECT_GT(inner.cx, 597);
+    SIZE size{};
+    ASSERT_EQ(KtGetDialogSize(handle_, MAKEINTRESOURCEW(kDialog), &size), 1) << GetLastError();
+    RECT outline{0, 0, inner.cx, inner.cy};
+    if ((GetUserDefaultUILanguage() & 0x3FF) != 9) {
+        AdjustWindowRectEx(&outline, WS_POPUP | WS_CAPTION, FALSE, WS_EX_DLGMODALFRAME);
+        EXPECT_GT(size.cy, inner.cy);
+    }
+    EXPECT_EQ(size.cx, outline.right - outline.left);
+    EXPECT_EQ(size.cy, outline.bottom - outline.top);
+    for (const WCHAR* const name : classes) UnregisterClassW(name, nullptr);
 }
 
 TEST_F(Language, CopiesTextsCutToTheSize) {

@@ -10,6 +10,7 @@
 #include "platform/text.h"
 #include "platform/window.h"
 #include "support/child_roles.h"
+#include "support/dialog_template.h"
 #include "support/last_error.h"
 #include "support/scoped_variable.h"
 #include "support/temp_file.h"
@@ -76,6 +77,23 @@ TEST(DocumentedDetails, ErrorsOfWindows) {
     EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_WINDOW_HANDLE});
     EXPECT_EQ(CreateWindowExW(0, W("NoSuchClass"), W(""), 0, 0, 0, 1, 1, nullptr, nullptr, nullptr, nullptr), nullptr);
     EXPECT_EQ(GetLastError(), DWORD{ERROR_CANNOT_FIND_WND_CLASS});
+    RECT screen{};
+    EXPECT_EQ(ErrorOf(DestroyWindow(GetDesktopWindow())), ERROR_ACCESS_DENIED);
+    EXPECT_TRUE(GetWindowRect(GetDesktopWindow(), &screen));
+    EXPECT_TRUE(screen.right == 1024 && screen.bottom == 768);
+}
+
+// Beyond the documentation: without input nobody could end it.
+TEST(DocumentedDetails, ADialogThatNobodyCanAnswerDoesNotWait) {
+    const std::string source = support::Plain(WS_POPUP, 10, 10).Word(0).Word(0).Word(0).Bytes();
+    const auto* const dialog = reinterpret_cast<const DLGTEMPLATE*>(source.data());
+    constexpr DWORD kNotImplemented = 120;
+    EXPECT_EQ(DialogBoxIndirectParamW(nullptr, dialog, nullptr, nullptr, 0), -1);
+    EXPECT_EQ(GetLastError(), kNotImplemented);
+    const HWND gone = CreateDialogIndirectParamW(nullptr, dialog, nullptr, nullptr, 0);
+    EXPECT_TRUE(DestroyWindow(gone));
+    EXPECT_EQ(DialogBoxIndirectParamW(nullptr, dialog, gone, nullptr, 0), 0);
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_WINDOW_HANDLE});
 }
 
 TEST(DocumentedDetails, AProcessEndsOnce) {

@@ -4,8 +4,10 @@
 
 #include <cstring>
 
+#include "platform/dialogs.h"
 #include "platform/endian.h"
 #include "platform/linux/resources.h"
+#include "support/dialog_template.h"
 #include "support/scoped_variable.h"
 
 namespace {
@@ -147,6 +149,29 @@ void WalkWholly(const std::string& image) {
 TEST_F(Resources, TruncatedAtEveryLength) {
     const std::string image = MakeImage();
     for (std::size_t size = 0; size <= image.size(); ++size) WalkWholly(image.substr(0, size));
+}
+
+TEST_F(Resources, HoldDialogsThatAreWhole) {
+    support::Template source = support::Plain(DS_SETFONT, 20, 10, 2);
+    source.Word(0).Text(W("#32770")).Text(W("t")).Word(9).Text(W("Sans"));
+    for (int i = 0; i < 2; ++i) {
+        source.Align().Double(WS_CHILD).Double(0).Double(0).Double(0).Word(7).Word(0xFFFF).Word(0x82).Text(W("a"));
+        source.Word(4).Word(9);
+    }
+    const std::string whole = source.Bytes();
+    for (std::size_t size = 0; size <= whole.size(); ++size) {
+        const std::string image =
+            MakeEntry(Number(0), Number(0), 0, "") + MakeEntry(Number(5), Number(7), 0x0409, whole.substr(0, size));
+        const std::vector<char> exact(image.begin(), image.end());
+        ASSERT_TRUE(platform::RegisterResources(kModule, exact.data(), exact.size()));
+        const HWND dialog = CreateDialogParamW(kModule, MAKEINTRESOURCEW(7), nullptr, nullptr, 0);
+        EXPECT_EQ(dialog != nullptr, size == whole.size()) << size;
+        if (!dialog) {
+            EXPECT_EQ(GetLastError(), 13u) << size;
+        } else {
+            EXPECT_TRUE(DestroyWindow(dialog));
+        }
+    }
 }
 
 TEST_F(Resources, WithEachBitOfTheHeadersTurned) {

@@ -82,6 +82,39 @@ TEST_F(Windows, LiveAndDieWithTheirParents) {
     }
 }
 
+TEST_F(Windows, LieInTheirParents) {
+    const auto make = [](DWORD style, int x, int y, HWND parent) {
+        return CreateWindowExW(0, W("STATIC"), W(""), style, x, y, 30, 40, parent, nullptr, nullptr, nullptr);
+    };
+    const HWND desktop = GetDesktopWindow();
+    ASSERT_TRUE(IsWindow(desktop));
+    EXPECT_FALSE(DestroyWindow(desktop));
+    const HWND popup = make(WS_POPUP, 100, 50, desktop);
+    const HWND child = make(WS_CHILD | WS_BORDER, 10, 20, popup);
+    const HWND inner = make(WS_CHILD, -3, 2, child);
+    const HWND owned = make(WS_POPUP, 7, 8, popup);
+    struct {
+        HWND window;
+        LONG left, top;
+    } const kRows[] = {{popup, 100, 50}, {child, 110, 70}, {inner, 108, 73}, {owned, 7, 8}};
+    for (const auto& row : kRows) {
+        RECT place{};
+        EXPECT_TRUE(GetWindowRect(row.window, &place));
+        EXPECT_EQ(place.left, row.left);
+        EXPECT_EQ(place.top, row.top);
+        EXPECT_EQ(place.right, row.left + 30);
+        EXPECT_EQ(place.bottom, row.top + 40);
+    }
+    RECT screen{};
+    EXPECT_TRUE(GetWindowRect(desktop, &screen));
+    EXPECT_TRUE(screen.left == 0 && screen.top == 0 && screen.right > 0 && screen.bottom > 0);
+    EXPECT_TRUE(DestroyWindow(popup));
+    for (const HWND gone : {popup, owned, HWND{}}) {
+        SetLastError(0);
+        EXPECT_EQ(ErrorOf(GetWindowRect(gone, &screen)), DWORD{ERROR_INVALID_WINDOW_HANDLE});
+    }
+}
+
 TEST_F(Windows, MayBeRefused) {
     for (const UINT message : {WM_NCCREATE, WM_CREATE}) {
         g_refused = message;

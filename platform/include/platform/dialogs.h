@@ -1,7 +1,7 @@
 // Dialogs and the other objects of the user interface that are made out of resources, menus apart.
 //
-// Elsewhere than on Windows there are no such objects yet: each call fails with ERROR_CALL_NOT_IMPLEMENTED, by the
-// result that Win32 has for a failure.
+// Natively dialogs are made and never shown, and nobody can answer one. The calls for objects of other kinds fail there
+// with ERROR_CALL_NOT_IMPLEMENTED.
 #pragma once
 
 #include "platform/base.h"
@@ -28,25 +28,41 @@ struct ACCEL {
 };
 struct DLGTEMPLATE;  // read as bytes: its fields are not all aligned
 
-struct RECT {
-    LONG left;
-    LONG top;
-    LONG right;
-    LONG bottom;
-};
-
+inline constexpr DWORD DS_ABSALIGN = 0x01;
+inline constexpr DWORD DS_NOFAILCREATE = 0x10;
 inline constexpr DWORD DS_SETFONT = 0x40;
+inline constexpr DWORD DS_MODALFRAME = 0x80;
+inline constexpr DWORD DS_CENTER = 0x0800;
 
+inline constexpr int DWLP_MSGRESULT = 0;
+inline constexpr int DWLP_DLGPROC = 8;
+inline constexpr int DWLP_USER = 16;
+
+inline constexpr const WCHAR* WC_DIALOG = u"#32770";
+
+// Dialogs out of templates in the plain or in the extended form, such as a resource. A damaged one fails with
+// ERROR_INVALID_DATA before anything is made. A template that is no resource has to be whole. The procedure may be
+// null; it sees WM_SETFONT when the template has a font, and WM_INITDIALOG when all controls are there. A control that
+// cannot be made is the dialog's end, unless the style has DS_NOFAILCREATE. Natively a menu of the template is not
+// looked at, and a title that is a number n becomes the text "#n".
 extern "C" HWND CreateDialogParamW(HINSTANCE module, const WCHAR* name, HWND parent, DLGPROC procedure,
                                    LPARAM parameter) noexcept;
 extern "C" HWND CreateDialogIndirectParamW(HINSTANCE module, const DLGTEMPLATE* dialog, HWND parent, DLGPROC procedure,
                                            LPARAM parameter) noexcept;
+// What EndDialog was given; 0 for a wrong parent and -1 for a dialog that cannot be made. Natively nobody can answer: a
+// dialog whose procedure has not ended it by the end of WM_INITDIALOG is destroyed, and the call gives -1 with
+// ERROR_CALL_NOT_IMPLEMENTED instead of waiting for ever.
 extern "C" INT_PTR DialogBoxParamW(HINSTANCE module, const WCHAR* name, HWND parent, DLGPROC procedure,
-                                   LPARAM parameter) noexcept;  // -1 on failure
+                                   LPARAM parameter) noexcept;
 extern "C" INT_PTR DialogBoxIndirectParamW(HINSTANCE module, const DLGTEMPLATE* dialog, HWND parent, DLGPROC procedure,
-                                           LPARAM parameter) noexcept;  // -1 on failure
-extern "C" HWND GetDesktopWindow() noexcept;
-extern "C" BOOL GetWindowRect(HWND window, RECT* rectangle) noexcept;
+                                           LPARAM parameter) noexcept;
+
+// Lets the dialog end with that result, once its procedure has returned; one that nobody waits for stays.
+extern "C" BOOL EndDialog(HWND dialog, INT_PTR result) noexcept;
+// Asks the dialog's procedure first, and gives what it left in DWLP_MSGRESULT when it says that it has dealt with it.
+extern "C" LRESULT DefDlgProcW(HWND dialog, UINT message, WPARAM wparam, LPARAM lparam) noexcept;
+// From dialog units to pixels.
+extern "C" BOOL MapDialogRect(HWND dialog, RECT* rectangle) noexcept;
 
 extern "C" HACCEL CreateAcceleratorTableW(ACCEL* entries, int count) noexcept;
 extern "C" HBITMAP LoadBitmapW(HINSTANCE module, const WCHAR* name) noexcept;

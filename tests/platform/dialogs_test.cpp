@@ -1,0 +1,190 @@
+// Dialogs out of templates.
+#include "platform/dialogs.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+
+#include "platform/text.h"
+#include "support/dialog_template.h"
+#include "support/last_error.h"
+
+namespace {
+
+using support::ErrorOf;
+using support::Template;
+
+constexpr uint32_t kStyle = WS_POPUP | DS_SETFONT | DS_ABSALIGN;
+constexpr uint32_t kItemStyle = WS_CHILD | WS_VISIBLE;
+constexpr uint32_t kNumber = 0xFFFF;
+
+// What the procedures of a dialog and of a control were told.
+struct Told {
+    int set_font = 0;
+    int init = 0;
+    LPARAM parameter = 0;
+    HWND focus = nullptr;
+    bool controls_at_init = false;
+    std::string creation_data;
+};
+Told* g_told = nullptr;
+constexpr UINT kAsk = 0x8001;
+
+INT_PTR CALLBACK Procedure(HWND dialog, UINT message, WPARAM wparam, LPARAM lparam) {
+    if (message == WM_SETFONT) ++g_told->set_font;
+    if (message == WM_INITDIALOG) {
+        ++g_told->init;
+        g_told->parameter = lparam;
+        g_told->focus = reinterpret_cast<HWND>(wparam);
+        g_told->controls_at_init = GetDlgItem(dialog, 4) != nullptr;
+    }
+    if (message == kAsk) SetWindowLongPtrW(dialog, DWLP_MSGRESULT, 77);
+    return message == kAsk && wparam ? TRUE : FALSE;
+}
+
+LRESULT CALLBACK Control(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
+    if (message == WM_CREATE) {
+        const void* const data = reinterpret_cast<const CREATESTRUCTW*>(lparam)->lpCreateParams;
+        uint16_t size = 0;
+        if (data) std::memcpy(&size, data, 2);
+        if (size > 0) g_told->creation_data.assign(static_cast<const char*>(data) + 2, 2);
+    }
+    return DefWindowProcW(window, message, wparam, lparam);
+}
+
+class Dialogs : public testing::Test {
+  protected:
+    void SetUp() override {
+        g_told = &told_;
+        WNDCLASSEXW of_controls{};
+        of_controls.cbSize = sizeof of_controls;
+        of_controls.lpfnWndProc = Control;
+        of_controls.lpszClassName = W("DialogsControl");
+        ASSERT_NE(RegisterClassExW(&of_controls), 0);
+    }
+    void TearDown() override {
+        UnregisterClassW(W("DialogsControl"), nullptr);
+        g_told = nullptr;
+    }
+    Told told_;
+};
+
+std::string TextOf(HWND window) {
+    WCHAR text[40];
+    GetWindowTextW(window, text, 40);
+    return platform::Utf8(text);
+}
+
+// Four controls: by number and by name, with odd lengths, with a title that is a number, and with data.
+Template WithControls(bool extended, uint32_t style, const WCHAR* last_class = W("DialogsControl")) {
+    Template made = extended ? support::Extended(style, 101, 53, 4) : support::Plain(style, 101, 53, 4);
+    made.Word(0).Word(0).Text(W("Title")).Word(9);
+    if (extended) made.Word(400).Word(0x0100);
+    made.Text(W("DejaVu Sans"));
+    const auto item = [&](uint32_t more, uint32_t x, uint32_t id) -> Template& {
+        made.Align();
+        if (extended)
+            return made.Double(0).Double(0).Double(kItemStyle | more).Word(x).Word(2).Word(33).Word(12).Double(id);
+        return made.Double(kItemStyle | more).Double(0).Word(x).Word(2).Word(33).Word(12).Word(id);
+    };
+    item(0, 1, 1).Word(kNumber).Word(0x82).Text(W("&Label")).Word(0);
+    item(WS_TABSTOP, 5, 2).Text(W("edit")).Text(W("odd")).Word(0);
+    item(0, 9, 3).Word(kNumber).Word(0x80).Word(kNumber).Word(7).Word(0);
+    item(0, 13, 4).Text(last_class).Word(0).Word(extended ? 2 : 4).Word(0x6261);
+    return made;
+}
+
+TEST_F(Dialogs, AreMadeOfTheirTemplates) {
+    for (const bool extended : {false, true}) {
+        told_ = {};
+        const Template source = WithControls(extended, kStyle);
+        const HWND dialog = CreateDialogIndirectParamW(nullptr, source.Get(), nullptr, Procedure, 5);
+        ASSERT_TRUE(dialog) << GetLastError();
+        EXPECT_EQ(TextOf(dialog), "Title");
+        EXPECT_EQ(TextOf(GetDlgItem(dialog, 1)), "&Label");
+        EXPECT_EQ(TextOf(GetDlgItem(dialog, 2)), "odd");
+        EXPECT_EQ(told_.creation_data, "ab");
+        EXPECT_EQ(told_.set_font, 1);
+        EXPECT_EQ(told_.init, 1);
+        EXPECT_EQ(told_.parameter, 5);
+        EXPECT_EQ(told_.focus, GetDlgItem(dialog, 2));
+        EXPECT_TRUE(told_.controls_at_init);
+        const LRESULT font = SendMessageW(dialog, WM_GETFONT, 0, 0);
+        EXPECT_NE(font, 0);
+        RECT outline{};
+        EXPECT_TRUE(GetWindowRect(dialog, &outline));
+        RECT size{9, 7, 101, 53};
+        EXPECT_TRUE(MapDialogRect(dialog, &size));
+        EXPECT_EQ(outline.left, size.left);
+        EXPECT_EQ(outline.top, size.top);
+        EXPECT_EQ(outline.right - outline.left, size.right);
+        EXPECT_EQ(outline.bottom - outline.top, size.bottom);
+        for (int id = 1; id <= 4; ++id) {
+            const HWND control = GetDlgItem(dialog, id);
+            EXPECT_EQ(GetParent(control), dialog);
+            RECT place{};
+            EXPECT_TRUE(GetWindowRect(control, &place));
+            RECT wanted{4 * id - 3, 2, 33, 12};
+            MapDialogRect(dialog, &wanted);
+            EXPECT_EQ(place.left - outline.left, wanted.left) << id;
+            EXPECT_EQ(place.top - outline.top, wanted.top) << id;
+            EXPECT_EQ(place.right - place.left, wanted.right) << id;
+            EXPECT_EQ(place.bottom - place.top, wanted.bottom) << id;
+            if (id < 4) {
+                EXPECT_EQ(SendMessageW(control, WM_GETFONT, 0, 0), font) << id;
+            }
+        }
+        EXPECT_EQ(SendMessageW(dialog, kAsk, 1, 0), 77);
+        EXPECT_EQ(SendMessageW(dialog, kAsk, 0, 0), 0);
+        EXPECT_TRUE(DestroyWindow(dialog));
+    }
+}
+
+TEST_F(Dialogs, HaveTheFramesOfTheirStyles) {
+    const Template source = WithControls(true, kStyle | WS_CAPTION | DS_MODALFRAME);
+    const HWND dialog = CreateDialogIndirectParamW(nullptr, source.Get(), GetDesktopWindow(), Procedure, 0);
+    ASSERT_TRUE(dialog);
+    RECT size{0, 0, 101, 53};
+    MapDialogRect(dialog, &size);
+    EXPECT_TRUE(AdjustWindowRectEx(&size, kStyle | WS_CAPTION, FALSE, WS_EX_DLGMODALFRAME));
+    RECT outline{};
+    EXPECT_TRUE(GetWindowRect(dialog, &outline));
+    EXPECT_EQ(outline.right - outline.left, size.right - size.left);
+    EXPECT_EQ(outline.bottom - outline.top, size.bottom - size.top);
+    EXPECT_TRUE(DestroyWindow(dialog));
+}
+
+INT_PTR CALLBACK EndAtOnce(HWND dialog, UINT message, WPARAM, LPARAM lparam) {
+    if (message == WM_INITDIALOG) {
+        EXPECT_TRUE(EndDialog(dialog, lparam + 1));
+    }
+    return FALSE;
+}
+
+TEST_F(Dialogs, GiveWhatTheyAreEndedWith) {
+    const Template source = WithControls(true, kStyle);
+    EXPECT_EQ(DialogBoxIndirectParamW(nullptr, source.Get(), nullptr, EndAtOnce, 41), 42);
+    EXPECT_EQ(DialogBoxIndirectParamW(nullptr, source.Get(), GetDesktopWindow(), EndAtOnce, -1), 0);
+    const Template unknown = WithControls(true, kStyle, W("NoSuchClass"));
+    EXPECT_EQ(DialogBoxIndirectParamW(nullptr, unknown.Get(), nullptr, EndAtOnce, 41), -1);
+    EXPECT_EQ(DialogBoxParamW(nullptr, W("NoSuchDialog"), nullptr, EndAtOnce, 41), -1);
+}
+
+TEST_F(Dialogs, NeedTheClassesOfTheirControls) {
+    const Template whole = WithControls(true, kStyle, W("NoSuchClass"));
+    EXPECT_FALSE(CreateDialogIndirectParamW(nullptr, whole.Get(), nullptr, Procedure, 0));
+    EXPECT_EQ(told_.init, 0);
+    const Template lenient = WithControls(true, kStyle | DS_NOFAILCREATE, W("NoSuchClass"));
+    const HWND dialog = CreateDialogIndirectParamW(nullptr, lenient.Get(), nullptr, Procedure, 0);
+    ASSERT_TRUE(dialog);
+    EXPECT_TRUE(GetDlgItem(dialog, 3));
+    EXPECT_FALSE(GetDlgItem(dialog, 4));
+    EXPECT_TRUE(DestroyWindow(dialog));
+    EXPECT_FALSE(EndDialog(dialog, 0));
+    RECT any{};
+    EXPECT_FALSE(MapDialogRect(dialog, &any));
+    SetLastError(0);
+    EXPECT_NE(ErrorOf(CreateDialogParamW(nullptr, W("NoSuchDialog"), nullptr, Procedure, 0)), 0u);
+}
+
+}  // namespace
