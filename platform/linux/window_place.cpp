@@ -1,9 +1,7 @@
 // Where windows lie, and what their frames take.
 #include <limits>
 
-#include "errors.h"
-#include "handles.h"
-#include "window_record.h"
+#include "window_use.h"
 
 namespace {
 
@@ -58,22 +56,20 @@ extern "C" BOOL GetWindowRect(HWND handle, RECT* rectangle) noexcept {
         *rectangle = {0, 0, kScreenWidth, kScreenHeight};
         return TRUE;
     }
-    const HandleUse use(handle, HandleType::kWindow);
-    if (!use) return Fail(ERROR_INVALID_WINDOW_HANDLE);
-    const Window& window = *use->window;
-    std::int64_t x = window.x;
-    std::int64_t y = window.y;
-    HWND above = (window.style & WS_CHILD) != 0 ? window.parent : nullptr;
+    const WindowUse window(handle);
+    if (!window) return FALSE;
+    std::int64_t x = window->x;
+    std::int64_t y = window->y;
+    HWND above = (window->style & WS_CHILD) != 0 ? window->parent : nullptr;
     while (above) {
-        const HandleUse parent_use(above, HandleType::kWindow);
-        if (!parent_use) break;
-        const Window& parent = *parent_use->window;
+        const WindowUse parent(above);
+        if (!parent) break;
         RECT frame{};
-        AdjustWindowRectEx(&frame, parent.style, FALSE, parent.ex_style);
-        x += std::int64_t{parent.x} - frame.left;
-        y += std::int64_t{parent.y} - frame.top;
-        above = (parent.style & WS_CHILD) != 0 ? parent.parent : nullptr;
+        AdjustWindowRectEx(&frame, parent->style, FALSE, parent->ex_style);
+        x += std::int64_t{parent->x} - frame.left;
+        y += std::int64_t{parent->y} - frame.top;
+        above = (parent->style & WS_CHILD) != 0 ? parent->parent : nullptr;
     }
-    *rectangle = {Place(x), Place(y), Place(x + window.width), Place(y + window.height)};
+    *rectangle = {Place(x), Place(y), Place(x + window->width), Place(y + window->height)};
     return TRUE;
 }
