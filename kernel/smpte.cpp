@@ -172,7 +172,7 @@ int32_t KTSMPTE_SMPTECompare(const _smpteval* a, const _smpteval* b) noexcept {
     if (!a || !b) return 0;
     const auto order =
         std::tie(a->hours, a->minutes, a->seconds, a->frames) <=> std::tie(b->hours, b->minutes, b->seconds, b->frames);
-    return order > 0 ? 1 : order < 0 ? -1 : 0;
+    return order > 0 ? 1 : order < 0 ? -1 : 0;  // NOLINT(modernize-use-nullptr): the literal 0 is what it compares with
 }
 
 void KTSMPTE_IncrementByFrame(_smpteval* value) noexcept {

@@ -14,7 +14,7 @@ struct SdkVersion {
     uint32_t minor = 0;
     uint32_t patch = 0;
 
-    auto operator<=>(const SdkVersion&) const = default;
+    auto operator<=>(const SdkVersion&) const = default;  // NOLINT(modernize-use-nullptr): inside what it generates
 };
 
 // Writes "7.0.3" and ends the status line.
