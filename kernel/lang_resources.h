@@ -46,5 +46,6 @@ KT_API HANDLE KtLoadImage(HKTLANG handle, const WCHAR* name, uint32_t type, int3
                           uint32_t flags) noexcept;
 KT_API HIMAGELIST KtImageList_LoadImage(HKTLANG handle, const WCHAR* name, int32_t width, int32_t grow_by,
                                         COLORREF mask, uint32_t type, uint32_t flags) noexcept;
-// Without a handle the numbers from 32512 are the system's cursors, and all else is the kernel's module's.
+// Without a handle the numbers from 32512 are the system's cursors, and all else is of the module that the kernel was
+// started with.
 KT_API HCURSOR KtLoadCursor(HKTLANG handle, const WCHAR* name) noexcept;
