@@ -27,6 +27,24 @@ std::string Printed(const WCHAR* format, Arguments... arguments) {
     return platform::Utf8(text.data());
 }
 
+// Of both, which must agree.
+std::string PrintedByList(const WCHAR* format, ...) {
+    WCHAR text[40], bounded[40];
+    std::va_list list, copy;
+    va_start(list, format);
+    va_copy(copy, list);
+    const int32_t length = KtVPrintF(text, format, list);
+    uint32_t bounded_length = 0;
+    EXPECT_EQ(KtNVPrintF(bounded, 40, &bounded_length, format, copy), S_OK);
+    va_end(copy);
+    va_end(list);
+    EXPECT_EQ(length, static_cast<int32_t>(bounded_length));
+    EXPECT_EQ(platform::Utf8(bounded), platform::Utf8(text));
+    return platform::Utf8(text);
+}
+
+TEST(Print, TakesItsArgumentsAsAList) { EXPECT_EQ(PrintedByList(W("%s %d"), W("take"), 2), "take 2"); }
+
 TEST(Print, ConvertsAsTheRuntimeDoes) {
     const struct {
         const WCHAR* format;
