@@ -4,7 +4,6 @@
 
 #include "kernel/lang_handle.h"
 #include "kernel/lang_resource_search.h"
-#include "kernel/runtime/lifecycle.h"
 #include "platform/activation.h"
 
 namespace clipfio {
@@ -158,5 +157,5 @@ HCURSOR KtLoadCursor(HKTLANG handle, const WCHAR* name) noexcept {
     if (handle) return LoadCursorW(handle->base, name);
     const auto number = reinterpret_cast<uintptr_t>(name);
     const bool of_system = number >= kFirstSystemCursor && number < kNumbersEnd;
-    return LoadCursorW(of_system ? nullptr : KtKernel_GetAppKernel(), name);
+    return LoadCursorW(of_system ? nullptr : KernelModule(), name);
 }

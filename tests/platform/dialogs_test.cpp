@@ -7,7 +7,6 @@
 
 #include "platform/text.h"
 #include "support/dialog_template.h"
-#include "support/fail_each.h"
 #include "support/last_error.h"
 
 namespace {
@@ -187,21 +186,5 @@ TEST_F(Dialogs, NeedTheClassesOfTheirControls) {
     SetLastError(0);
     EXPECT_NE(ErrorOf(CreateDialogParamW(nullptr, W("NoSuchDialog"), nullptr, Procedure, 0)), 0u);
 }
-
-#ifndef _WIN32
-
-TEST_F(Dialogs, AreMadeWholeOrNotAtAll) {
-    const Template source = WithControls(true, kStyle);
-    const int calls = support::FailEach<support::FailingCall>(
-        [&] { return CreateDialogIndirectParamW(nullptr, source.Get(), nullptr, Procedure, 0); },
-        [](HWND dialog, bool failed) {
-            EXPECT_EQ(dialog == nullptr, failed);
-            EXPECT_EQ(GetDlgItem(dialog, 4) == nullptr, failed);
-            if (dialog) DestroyWindow(dialog);
-        });
-    EXPECT_GT(calls, 5);  // the dialog, its font, its window and those of its controls
-}
-
-#endif
 
 }  // namespace

@@ -5,58 +5,25 @@
 
 #include <string>
 
-#include "support/fail_each.h"
-#include "support/last_error.h"
+#include "support/picture_files.h"
 #include "support/pictures.h"
-#include "support/temp_file.h"
-#include "support/whole_file.h"
 
 namespace {
 
+using support::CoreHeader;
+using support::Doubles;
+using support::File;
+using support::InfoHeader;
+using support::kPalette;
+using support::Little;
+using support::LoadBitmapFile;
+using support::LoadFile;
 using support::Show;
 using support::Shown;
 using support::ShownIcon;
 using support::Take;
 
-#ifdef _WIN32
-constexpr bool kOwnLayer = false;  // Wine is held to less
-#else
-constexpr bool kOwnLayer = true;
-#endif
 constexpr uint32_t kRed = 0xFF0000, kGreen = 0x00FF00, kBlue = 0x0000FF, kWhite = 0xFFFFFF, kBlack = 0;
-
-std::string Little(uint64_t value, int bytes) {
-    std::string out;
-    for (int i = 0; i < bytes; ++i) out += static_cast<char>(value >> 8 * i & 0xFF);
-    return out;
-}
-std::string Doubles(std::initializer_list<uint32_t> values) {
-    std::string out;
-    for (const uint32_t value : values) out += Little(value, 4);
-    return out;
-}
-std::string InfoHeader(int32_t width, int32_t height, uint32_t bits, uint32_t compression = 0, uint32_t colors = 0) {
-    return Doubles({40, static_cast<uint32_t>(width), static_cast<uint32_t>(height)}) + Little(1, 2) + Little(bits, 2) +
-           Doubles({compression, 0, 0, 0, colors, 0});
-}
-std::string CoreHeader(uint32_t width, uint32_t height, uint32_t bits) {
-    return Little(12, 4) + Little(width, 2) + Little(height, 2) + Little(1, 2) + Little(bits, 2);
-}
-std::string File(const std::string& header, const std::string& rows) {
-    const auto rows_at = 14 + header.size();
-    return "BM" + Little(rows_at + rows.size(), 4) + Little(0, 4) + Little(rows_at, 4) + header + rows;
-}
-const std::string kPalette = Doubles({kBlack, kRed, kGreen, kBlue, kWhite});
-
-HANDLE LoadFile(const std::string& bytes, UINT type, int side = 0, UINT flags = 0) {
-    const support::TempFile file(type == IMAGE_BITMAP ? ".bmp" : type == IMAGE_ICON ? ".ico" : ".cur");
-    support::WriteWhole(file.Path(), bytes);
-    return LoadImageW(nullptr, file.Path(), type, side, side, LR_LOADFROMFILE | flags);
-}
-Shown LoadBitmapFile(const std::string& bytes, UINT flags = 0) {
-    const auto bitmap = static_cast<HBITMAP>(LoadFile(bytes, IMAGE_BITMAP, 0, flags));
-    return bitmap ? Take(bitmap) : Shown{};
-}
 
 TEST(Images, AreReadInEveryDepth) {
     using namespace std::string_literals;
@@ -90,20 +57,7 @@ TEST(Images, AreReadInEveryDepth) {
          File(InfoHeader(2, 2, 32, 3) + Doubles({0xFF, 0xFF00, 0xFF0000}), Doubles({kRed, kWhite, kBlue, kGreen})),
          colors},
     };
-    const Row kOwnRows[] = {
-        {"24, top first", File(InfoHeader(2, -2, 24), "\0\0\xFF\0\xFF\0\0\0\xFF\0\0\xFF\xFF\xFF\0\0"s), colors},
-        {"runs of 8", File(InfoHeader(2, 2, 8, 1, 5) + kPalette, "\1\3\1\4\0\0\1\1\1\2\0\1"s), colors},
-        {"runs of 8, as they are", File(InfoHeader(4, 1, 8, 1, 5) + kPalette, "\0\3\1\2\3\0\1\4\0\1"s), colors},
-        {"runs of 8, a step",
-         File(InfoHeader(2, 2, 8, 1, 5) + kPalette, "\2\4\0\2\0\0\0\0\2\1\0\1"s),
-         {kRed, kRed, kWhite, kWhite}},
-        {"runs of 4", File(InfoHeader(2, 2, 4, 2, 5) + kPalette, "\2\x34\0\0\2\x12\0\1"s), colors},
-    };
     for (const Row& row : kRows) EXPECT_EQ(LoadBitmapFile(row.file).pixels, row.pixels) << row.name;
-    for (const Row& row : kOwnRows) {
-        const Shown shown = LoadBitmapFile(row.file);
-        EXPECT_TRUE(!kOwnLayer || shown.pixels == row.pixels) << row.name;
-    }
     // A part of 5 bits repeats its upper ones.
     EXPECT_EQ(LoadBitmapFile(File(InfoHeader(1, 1, 16), Little(0x4000, 4))).pixels.front(), 0x840000u);
 }
@@ -133,20 +87,10 @@ TEST(Images, DamagedOnesAreRefused) {
         File(InfoHeader(INT32_MAX, INT32_MAX, 32), rows),
         File(InfoHeader(30000, 30000, 8, 1), rows),  // runs promise anything
     };
-    const std::string kOwnFiles[] = {
-        File(InfoHeader(0, 2, 24), rows),
-        File(InfoHeader(-2, 2, 24), rows),
-        File(InfoHeader(100, 100, 24), rows),  // more rows than there are
-        File(InfoHeader(2, 2, 7), rows),
-    };
     for (const std::string& file : kFiles) {
         EXPECT_EQ(LoadBitmapFile(file), Shown{}) << testing::PrintToString(file.substr(0, 60));
         EXPECT_EQ(LoadFile(file, IMAGE_ICON), nullptr);
         EXPECT_EQ(LoadFile(file, IMAGE_CURSOR), nullptr);
-    }
-    for (const std::string& file : kOwnFiles) {
-        const Shown shown = LoadBitmapFile(file);
-        EXPECT_TRUE(!kOwnLayer || shown == Shown{}) << testing::PrintToString(file.substr(0, 60));
     }
     EXPECT_EQ(LoadImageW(nullptr, W("no such file"), IMAGE_BITMAP, 0, 0, LR_LOADFROMFILE), nullptr);
     EXPECT_FALSE(DestroyIcon(nullptr));
@@ -182,7 +126,6 @@ TEST(Images, IconFilesGiveTheNearestInSizeAndDepth) {
     EXPECT_EQ(small.hot_x, 1u);
     const ShownIcon large = load(48);
     EXPECT_EQ(large.color.width, 48);
-    EXPECT_TRUE(!kOwnLayer || large.color.pixels.front() == kGreen);
 }
 
 TEST(Images, IconsComeOutOfBytes) {
@@ -237,28 +180,5 @@ TEST(Images, SharedOnesStay) {
     EXPECT_GT(Show(arrow).mask.width, 0);
     EXPECT_EQ(LoadCursorW(nullptr, MAKEINTRESOURCEW(77)), nullptr);
 }
-
-#ifndef _WIN32
-
-TEST(Images, AreMadeWholeOrNotAtAll) {
-    const support::TempFile file(".bmp");
-    support::WriteWhole(file.Path(), File(InfoHeader(2, 1, 32), Doubles({kRed, kBlue})));
-    support::FailEach<support::FailingCall>(
-        [&] {
-            const HIMAGELIST list =
-                ImageList_LoadImageW(nullptr, file.Path(), 1, 0, CLR_NONE, IMAGE_BITMAP, LR_LOADFROMFILE);
-            const HICON icon = ImageList_GetIcon(list, 1, 0);
-            ICONINFO info{};
-            const bool known = GetIconInfo(icon, &info) != FALSE;
-            const HBITMAP bitmaps[] = {info.hbmMask, info.hbmColor};
-            for (const HBITMAP each : bitmaps) DeleteObject(each);
-            if (icon) DestroyIcon(icon);
-            if (list) ImageList_Destroy(list);
-            return known;
-        },
-        [](bool known, bool failed) { EXPECT_NE(known, failed); });
-}
-
-#endif
 
 }  // namespace
