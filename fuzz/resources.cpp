@@ -10,6 +10,7 @@
 #include "kernel/lang_menus.h"
 #include "kernel/lang_resources.h"
 #include "kernel/ui_fonts.h"
+#include "platform/window.h"
 
 namespace {
 
@@ -38,6 +39,34 @@ void ReadStrings(HKTLANG lang) {
     }
 }
 
+void Destroy(HWND window) {
+    if (window) FuzzRequire(DestroyWindow(window) != FALSE, "a dialog that was made can be destroyed");
+}
+
+// Dialogs, pictures and keys: made, and taken down again.
+void MakeObjects(HKTLANG lang, const WCHAR* name) {
+    Destroy(KtCreateDialogParam(lang, name, nullptr, nullptr, 0));
+    if (const HACCEL keys = KtLoadAccelerators(lang, name)) DestroyAcceleratorTable(keys);
+    if (const HBITMAP bitmap = KtLoadBitmap(lang, name)) {
+        BITMAP facts{};
+        FuzzRequire(GetObjectW(bitmap, sizeof facts, &facts) != 0 && facts.bmWidth > 0, "a bitmap has a size");
+        DeleteObject(bitmap);
+    }
+    for (const UINT type : {IMAGE_ICON, IMAGE_CURSOR}) {
+        const auto icon = static_cast<HICON>(KtLoadImage(lang, name, type, 0, 0, 0));
+        ICONINFO info{};
+        if (!icon) continue;
+        FuzzRequire(GetIconInfo(icon, &info) != FALSE, "an icon has its pictures");
+        DeleteObject(info.hbmMask);
+        if (info.hbmColor) DeleteObject(info.hbmColor);
+        DestroyIcon(icon);
+    }
+    if (const HIMAGELIST list = KtImageList_LoadImage(lang, name, 0, 0, CLR_DEFAULT, IMAGE_BITMAP, 0)) {
+        FuzzRequire(ImageList_GetImageCount(list) > 0, "a list has an image");
+        ImageList_Destroy(list);
+    }
+}
+
 }  // namespace
 
 int FuzzResources(const uint8_t* data, size_t size) {
@@ -50,7 +79,9 @@ int FuzzResources(const uint8_t* data, size_t size) {
     HKTLANG& kernel = clipfio::KernelLanguage();
     const bool own_kernel = kernel == nullptr;
     if (own_kernel) FuzzRequire(SUCCEEDED(KtLang_Open(&kernel, nullptr, 0, 0)), "the kernel's context opens");
-    const WCHAR* const names[] = {MAKEINTRESOURCEW(1), MAKEINTRESOURCEW(20), MAKEINTRESOURCEW(30), W("NAME")};
+    const WCHAR* const names[] = {
+        MAKEINTRESOURCEW(1),  MAKEINTRESOURCEW(20), MAKEINTRESOURCEW(30), MAKEINTRESOURCEW(50),
+        MAKEINTRESOURCEW(51), MAKEINTRESOURCEW(52), MAKEINTRESOURCEW(53), W("NAME")};
     for (const LCID lcid : {0x0411u, 0x0409u}) {
         KtLang_UpdateKernelLCID(lang, lcid, 0);
         ReadStrings(lang);
@@ -64,6 +95,7 @@ int FuzzResources(const uint8_t* data, size_t size) {
                 KtCleanMenu(menu, nullptr, 0);
                 FuzzRequire(DestroyMenu(menu) != FALSE, "a menu that was made can be destroyed");
             }
+            MakeObjects(lang, name);
             const HRSRC found = KtFindResource(lang, name, RT_DIALOG);
             FuzzRequire(!found || KtLoadResource(lang, found), "what is found can be loaded");
         }

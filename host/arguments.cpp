@@ -30,6 +30,12 @@ std::string Marked(const std::string& argument) {
 }
 
 std::string Unmarked(std::string text) {
+    if (text.starts_with(kMark) && text.substr(1) != Marked(text.substr(1))) text.erase(0, 1);
+    return text;
+}
+
+// A message quotes arguments as the parser has them.
+std::string UnmarkedMessage(std::string text) {
     std::erase(text, kMark);
     return text;
 }
@@ -116,9 +122,9 @@ int CommandLine::Run(std::vector<std::string> args) {
     } catch (const CLI::ParseError& error) {
         const std::vector<std::string> unknown = parser_->app.remaining();
         if (parser_->app.get_subcommands().empty() && !unknown.empty() && unknown[0][0] != '-') {
-            throw UsageError(Unmarked("there is no command '" + unknown[0] + "'"));
+            throw UsageError(UnmarkedMessage("there is no command '" + unknown[0] + "'"));
         }
-        throw UsageError(Unmarked(error.what()));
+        throw UsageError(UnmarkedMessage(error.what()));
     }
     return parser_->run();
 }

@@ -14,10 +14,10 @@ namespace {
 
 std::atomic<bool> g_stop{false};
 
-// A reader that closed its end: EPIPE, or EINVAL where the runtime reports it so.
+// False when the reader has closed its end.
 [[nodiscard]] bool Outcome(bool good) {
     if (good) return true;
-    if (errno == EPIPE || errno == EINVAL) return false;
+    if (platform::ReaderLeft(errno)) return false;
     throw Failure(std::string("cannot write to standard output: ") + std::strerror(errno));
 }
 

@@ -61,7 +61,7 @@ int32_t PrintSize(int64_t size, WCHAR* out, const Suffixes& formats) noexcept {
     constexpr int64_t kKilo = 1024;
     constexpr int64_t kMega = 1'024'000;
     constexpr int64_t kGiga = 1'024'000'000;
-    if (size < kKilo) return KtPrintF(out, formats.bytes, static_cast<int32_t>(std::max<int64_t>(size, 0)));
+    if (size < kKilo) return KtPrintF(out, formats.bytes, static_cast<int32_t>(std::max<int64_t>(size, INT32_MIN)));
     const int64_t unit = size < kMega ? kKilo : size < kGiga ? kMega : kGiga;
     const WCHAR* const format = size < kMega ? formats.kilo : size < kGiga ? formats.mega : formats.giga;
     return KtPrintF(out, format, static_cast<double>(size) / static_cast<double>(unit));

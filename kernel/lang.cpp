@@ -121,6 +121,11 @@ HMODULE KtLang_InstFromLang(HKTLANG handle) noexcept {
 
 namespace clipfio {
 
+HMODULE& KernelModule() noexcept {
+    static constinit HMODULE module = nullptr;
+    return module;
+}
+
 HKTLANG& KernelLanguage() noexcept {
     static constinit HKTLANG handle = nullptr;
     return handle;

@@ -81,5 +81,7 @@ namespace clipfio {
 
 // The kernel's own handle, made and ended by the kernel's start and end.
 HKTLANG& KernelLanguage() noexcept;
+// The module that the kernel was started with.
+HMODULE& KernelModule() noexcept;
 
 }  // namespace clipfio

@@ -157,5 +157,5 @@ HCURSOR KtLoadCursor(HKTLANG handle, const WCHAR* name) noexcept {
     if (handle) return LoadCursorW(handle->base, name);
     const auto number = reinterpret_cast<uintptr_t>(name);
     const bool of_system = number >= kFirstSystemCursor && number < kNumbersEnd;
-    return LoadCursorW(of_system ? nullptr : BaseOf(KernelLanguage()), name);
+    return LoadCursorW(of_system ? nullptr : KernelModule(), name);
 }

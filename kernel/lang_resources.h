@@ -10,6 +10,8 @@
 
 #include "kernel/lang.h"
 #include "platform/dialogs.h"
+#include "platform/images.h"
+#include "platform/menu.h"
 
 KT_API HRSRC KtFindResource(HKTLANG handle, const WCHAR* name, const WCHAR* type) noexcept;
 // Tries each of `count` types in the satellite, then each in the base module; `index` may be null and gets the one that
@@ -37,12 +39,13 @@ KT_API INT_PTR KtDialogBoxIndirectParam(HKTLANG handle, const DLGTEMPLATE* dialo
 // A table of the resource's first entry.
 KT_API HACCEL KtLoadAccelerators(HKTLANG handle, const WCHAR* name) noexcept;
 
-// Of the base module alone; without a handle of none, which is the program.
+// Of the base module alone; without a handle of none, which means the system's own pictures.
 KT_API HBITMAP KtLoadBitmap(HKTLANG handle, const WCHAR* name) noexcept;
 KT_API HICON KtLoadIcon(HKTLANG handle, const WCHAR* name) noexcept;
 KT_API HANDLE KtLoadImage(HKTLANG handle, const WCHAR* name, uint32_t type, int32_t width, int32_t height,
                           uint32_t flags) noexcept;
 KT_API HIMAGELIST KtImageList_LoadImage(HKTLANG handle, const WCHAR* name, int32_t width, int32_t grow_by,
                                         COLORREF mask, uint32_t type, uint32_t flags) noexcept;
-// Without a handle the numbers from 32512 are the system's cursors, and all else is the kernel's module's.
+// Without a handle the numbers from 32512 are the system's cursors, and all else is of the module that the kernel was
+// started with.
 KT_API HCURSOR KtLoadCursor(HKTLANG handle, const WCHAR* name) noexcept;

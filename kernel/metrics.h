@@ -60,7 +60,8 @@ KT_API HRESULT KtSetMetricUsingName(HKTMETRIC handle, const WCHAR* name, uint32_
 // Any type, sizes in bytes; `data` null asks for the size only, and `got` may be null. 0; 0x8004E03C with the size
 // needed when the buffer is too small; 0x8004E00A when the value has another type; E_UNEXPECTED without a handle or
 // key. A value that is absent or cannot be read is 0 with a size of 0. A text (REG_SZ) is always terminated where the
-// buffer has room for one character: cut for it, with 0x8004E03C, where it has to be.
+// buffer has room for one character: cut for it, with 0x8004E03C, where it has to be. An absent one is an empty text,
+// so that a buffer without room for a character gives 0x8004E03C and the size of one.
 KT_API HRESULT KtGetMetricAny(HKTMETRIC handle, int32_t metric, uint32_t type, void* data, uint32_t size,
                               uint32_t* got) noexcept;
 

@@ -419,8 +419,17 @@ class Engine {
             status_ = S_OK;
             return;
         }
+        if (written.fit == NumberFit::kNoRoom && form == NumberForm::kDecimal) return CutDecimal(text, decimals);
         const bool whole = sink_.Put(view);
         status_ = whole && written.fit == NumberFit::kNotANumber ? S_OK : kBufferTooSmall;
+    }
+
+    // A number without groups is cut as any text is.
+    void CutDecimal(const WCHAR* text, int32_t decimals) noexcept {
+        WCHAR whole[kLongestGrouped + 1];
+        const NumberText written = FormatNumberText(text, whole, static_cast<int32_t>(std::size(whole)),
+                                                    NumberForm::kDecimal, decimals, InternationalsRecord());
+        AsRuntime({whole, static_cast<std::size_t>(written.length)});
     }
 
     void AsRuntime(WStringView text) noexcept {
@@ -428,7 +437,7 @@ class Engine {
     }
 
     void AsItStands(const Conversion& conversion) noexcept {
-        sink_.Put(conversion.grouped ? W('$') : W('%'));
+        sink_.Put(W('%'));
         sink_.Put(conversion.body);
     }
 

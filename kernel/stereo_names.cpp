@@ -36,11 +36,11 @@ struct Run {
 std::optional<Run> NextNumber(WStringView name, std::size_t from) noexcept {
     constexpr uint64_t kMost = std::numeric_limits<uint64_t>::max() / 20;
     std::size_t start = from;
-    while (start < name.size() && !clipfio::IsDigit(name[start])) ++start;
+    while (start < name.size() && clipfio::DigitValue(name[start]) < 0) ++start;
     if (start == name.size()) return std::nullopt;
     Run run{start, start, 0};
-    for (; run.end < name.size() && clipfio::IsDigit(name[run.end]); ++run.end) {
-        run.value = std::min(run.value, kMost) * 10 + static_cast<uint64_t>(name[run.end] - W('0'));
+    for (; run.end < name.size() && clipfio::DigitValue(name[run.end]) >= 0; ++run.end) {
+        run.value = std::min(run.value, kMost) * 10 + static_cast<uint64_t>(clipfio::DigitValue(name[run.end]));
     }
     // What is too large to be told apart is followed by nothing.
     if (run.value > kMost) run.value = std::numeric_limits<uint64_t>::max() - 1;

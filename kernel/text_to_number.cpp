@@ -9,8 +9,8 @@
 
 namespace {
 
+using clipfio::DigitValue;
 using clipfio::HexDigit;
-using clipfio::IsDigit;
 using clipfio::IsSpace;
 using clipfio::SkipSpace;
 
@@ -52,8 +52,9 @@ class NormalNumber {
             if (Skip(at, signs.thousands)) continue;
             if (Skip(at, signs.decimal)) {
                 Put('.');
-            } else if (IsDigit(*at)) {
-                Put(static_cast<char>('0' + (*at++ - W('0'))));
+            } else if (const int digit = DigitValue(*at); digit >= 0) {
+                Put(static_cast<char>('0' + digit));
+                ++at;
             } else {
                 break;
             }

@@ -40,19 +40,21 @@ Text SkipSign(const WCHAR* text) noexcept {
     return {text, *text != 0};
 }
 
+bool IsDigit(WCHAR c) noexcept { return clipfio::DigitValue(c) >= 0; }
+
 // Where the reading of timecode and its like stops, which do not tell: at the end, but they do not start without a
 // digit.
 const WCHAR* EndOfFields(const WCHAR* text) noexcept {
     const WCHAR* const end = text + WStringView(text).size();
-    return std::any_of(text, end, clipfio::IsDigit) ? end : text;
+    return std::any_of(text, end, IsDigit) ? end : text;
 }
 
 // The first three decimals.
 uint32_t MillisecondsOf(const TimeField& fraction) noexcept {
     uint32_t milliseconds = 0;
     for (std::size_t i = 0; i < 3; ++i) {
-        const WCHAR digit = i < fraction.digits.size() ? fraction.digits[i] : W('0');
-        milliseconds = milliseconds * 10 + static_cast<uint32_t>(digit - W('0'));
+        const int digit = i < fraction.digits.size() ? clipfio::DigitValue(fraction.digits[i]) : 0;
+        milliseconds = milliseconds * 10 + static_cast<uint32_t>(digit);
     }
     return milliseconds;
 }
@@ -127,9 +129,9 @@ const WCHAR* EndOfGroups(WStringView digits) noexcept {
     const KTINTERNATIONALS& record = clipfio::InternationalsRecord();
     const WStringView separator(record.thousands.text, record.thousands.length);
     const WCHAR* end = digits.data() + digits.size();
-    while (!separator.empty() && WStringView(end).starts_with(separator) && clipfio::IsDigit(end[separator.size()])) {
+    while (!separator.empty() && WStringView(end).starts_with(separator) && IsDigit(end[separator.size()])) {
         end += separator.size();
-        while (clipfio::IsDigit(*end)) ++end;
+        while (IsDigit(*end)) ++end;
     }
     return end;
 }
@@ -179,7 +181,7 @@ int64_t KtTextToTimeToken(const WCHAR* text, const _ktposfmt*, int32_t short_for
     uint32_t milliseconds = 0;
     TimeFields<4> fields(text, short_form ? 3 : 4);
     if (end) *end = fields.end;
-    if (!short_form && (fields.count > 1 || (fields.count == 1 && !clipfio::IsDigit(*text)))) {
+    if (!short_form && (fields.count > 1 || (fields.count == 1 && !IsDigit(*text)))) {
         milliseconds = MillisecondsOf(fields.fields[3]);
         seconds = (int64_t{fields[0]} * 60 + fields[1]) * 60 + fields[2];
     } else {

@@ -48,8 +48,11 @@ HRESULT MakeDecodePropertiesPath(const WCHAR* clip_path, WCHAR (&out)[kPathSize]
     HRESULT hr = clip.size() < kPathSize ? S_OK : HRESULT_FROM_WIN32(ERROR_FILENAME_EXCED_RANGE);
     if (SUCCEEDED(hr)) {
         clip.copy(path, clip.size());
-        KtReplaceExtensionOnPathName(path, kPathSize, kExtension.data());
-        if (!*KtGetFileNamePtrW(path)) {
+        // A slash parts names too, for the system if not for the texts of paths.
+        const std::size_t slash = clip.rfind(W('/'));
+        const std::size_t name = slash == WStringView::npos ? 0 : slash + 1;
+        KtReplaceExtensionOnPathName(path + name, static_cast<int32_t>(kPathSize - name), kExtension.data());
+        if (name == clip.size() || !*KtGetFileNamePtrW(path)) {
             hr = E_INVALIDARG;
         } else if (!WStringView(path).ends_with(kExtension)) {
             hr = HRESULT_FROM_WIN32(ERROR_FILENAME_EXCED_RANGE);

@@ -6,14 +6,8 @@
 #include "kernel/lang.h"
 #include "kernel/print_tokens.h"
 
-namespace {
-
-constinit HMODULE g_app_kernel = nullptr;
-
-}  // namespace
-
 bool KtKernel_EarlyInitialize(HMODULE module, uint32_t) noexcept {
-    g_app_kernel = module;
+    clipfio::KernelModule() = module;
     if (FAILED(clipfio::CreatePrintTokens())) return false;
     HKTLANG& language = clipfio::KernelLanguage();
     if (!language && FAILED(KtLang_Open(&language, module, 0, 0))) return false;
@@ -24,8 +18,8 @@ bool KtKernel_EarlyInitialize(HMODULE module, uint32_t) noexcept {
 int32_t KtKernel_LateTerminate(HMODULE) noexcept {
     clipfio::DestroyPrintTokens();
     KtLang_Close(std::exchange(clipfio::KernelLanguage(), nullptr));
-    g_app_kernel = nullptr;
+    clipfio::KernelModule() = nullptr;
     return 1;
 }
 
-HMODULE KtKernel_GetAppKernel() noexcept { return g_app_kernel; }
+HMODULE KtKernel_GetAppKernel() noexcept { return clipfio::KernelModule(); }

@@ -14,11 +14,6 @@ namespace {
 
 using namespace platform;
 
-template <class T>
-T NotHere(T result) noexcept {
-    return Fail(platform::ERROR_CALL_NOT_IMPLEMENTED, result);
-}
-
 // In the font of the system for null.
 bool MeasureUnits(HFONT font, SIZE& units) noexcept {
     constexpr WStringView kLetters = u"ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz";
@@ -229,22 +224,11 @@ extern "C" INT_PTR DialogBoxIndirectParamW(HINSTANCE module, const DLGTEMPLATE* 
     const bool ended = window->dialog->ended;
     const INT_PTR result = window->dialog->result;
     DestroyWindow(handle);
-    return ended ? result : NotHere<INT_PTR>(-1);
+    return ended ? result : Fail<INT_PTR>(platform::ERROR_CALL_NOT_IMPLEMENTED, -1);
 }
 
 extern "C" INT_PTR DialogBoxParamW(HINSTANCE module, const WCHAR* name, HWND parent, DLGPROC procedure,
                                    LPARAM parameter) noexcept {
     const DLGTEMPLATE* const dialog = FindTemplate(module, name);
     return dialog ? DialogBoxIndirectParamW(module, dialog, parent, procedure, parameter) : -1;
-}
-
-extern "C" HACCEL CreateAcceleratorTableW(ACCEL*, int) noexcept { return NotHere<HACCEL>(nullptr); }
-extern "C" HBITMAP LoadBitmapW(HINSTANCE, const WCHAR*) noexcept { return NotHere<HBITMAP>(nullptr); }
-extern "C" HCURSOR LoadCursorW(HINSTANCE, const WCHAR*) noexcept { return NotHere<HCURSOR>(nullptr); }
-extern "C" HICON LoadIconW(HINSTANCE, const WCHAR*) noexcept { return NotHere<HICON>(nullptr); }
-extern "C" HANDLE LoadImageW(HINSTANCE, const WCHAR*, UINT, int, int, UINT) noexcept {
-    return NotHere<HANDLE>(nullptr);
-}
-extern "C" HIMAGELIST ImageList_LoadImageW(HINSTANCE, const WCHAR*, int, int, COLORREF, UINT, UINT) noexcept {
-    return NotHere<HIMAGELIST>(nullptr);
 }

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <atomic>
-#include <cstdlib>
 #include <string_view>
 
 #include "platform/gdi.h"
@@ -20,8 +19,6 @@ struct Font {
 };
 
 inline constexpr int kScreenDpi = 96;
-
-inline void FreeFont(Font* font) noexcept { std::free(font); }
 
 // In pixels of that screen. False without memory or without a font.
 bool MeasureFont(const Font& font, TEXTMETRICW& metrics) noexcept;

@@ -27,7 +27,7 @@ const Font kSystemFontFacts{{}, 0, FW_NORMAL, false, DEFAULT_CHARSET, "sans-seri
 
 void Deselect(HFONT handle) noexcept {
     const HandleUse font(handle, HandleType::kFont);
-    if (font) --font->font->selections;
+    if (font) --font.Block<Font>().selections;
 }
 
 Font* MakeFont(int height, int weight, bool italic, DWORD charset, WStringView face) noexcept {
@@ -43,7 +43,7 @@ Font* MakeFont(int height, int weight, bool italic, DWORD charset, WStringView f
     try {
         utf8 = platform::Utf8(face);
     } catch (...) {
-        platform::FreeFont(font);
+        std::free(font);
         return nullptr;
     }
     if (!utf8.empty() && utf8.size() < sizeof font->face) name = utf8;
@@ -60,7 +60,7 @@ BOOL WithFont(HDC context, Measure measure) noexcept {
     if (!handle) return measure(kSystemFontFacts) ? TRUE : Fail(ERROR_NOT_ENOUGH_MEMORY);
     const HandleUse font(handle, HandleType::kFont);
     if (!font) return Fail(ERROR_INVALID_HANDLE);
-    return measure(*font->font) ? TRUE : Fail(ERROR_NOT_ENOUGH_MEMORY);
+    return measure(font.Block<Font>()) ? TRUE : Fail(ERROR_NOT_ENOUGH_MEMORY);
 }
 
 }  // namespace
@@ -76,7 +76,7 @@ extern "C" int ReleaseDC(HWND, HDC context) noexcept {
         if (!use) return Fail(ERROR_INVALID_HANDLE, 0);
         if (use->selected) Deselect(std::exchange(use->selected, nullptr));
     }
-    platform::CloseDrawingHandle(context);
+    platform::CloseObjectHandle(context);
     return 1;
 }
 
@@ -90,7 +90,8 @@ extern "C" HFONT CreateFontW(int height, int, int, int, int weight, DWORD italic
     WStringView name = face ? face : WStringView();
     if (name.size() >= LF_FACESIZE) return Fail<HFONT>(ERROR_INVALID_PARAMETER, nullptr);
     Font* const font = MakeFont(height, weight, italic != 0, charset, name);
-    return font ? platform::NewFontHandle(font) : Fail<HFONT>(ERROR_NOT_ENOUGH_MEMORY, nullptr);
+    if (!font) return Fail<HFONT>(ERROR_NOT_ENOUGH_MEMORY, nullptr);
+    return static_cast<HFONT>(platform::NewBlockHandle(HandleType::kFont, font));
 }
 
 extern "C" HGDIOBJ SelectObject(HDC context, HGDIOBJ object) noexcept {
@@ -98,7 +99,7 @@ extern "C" HGDIOBJ SelectObject(HDC context, HGDIOBJ object) noexcept {
     const auto wanted = static_cast<HFONT>(object);
     const HandleUse font(wanted, HandleType::kFont);
     if (!use || (!font && wanted != kSystemFont)) return Fail<HGDIOBJ>(ERROR_INVALID_HANDLE, nullptr);
-    if (font) ++font->font->selections;
+    if (font) ++font.Block<Font>().selections;
     const HFONT before = std::exchange(use->selected, font ? wanted : nullptr);
     if (!before) return kSystemFont;
     Deselect(before);
@@ -109,9 +110,10 @@ extern "C" BOOL DeleteObject(HGDIOBJ object) noexcept {
     if (object == kSystemFont) return TRUE;
     {
         const HandleUse font(object, HandleType::kFont);
-        if (!font || font->font->selections != 0) return Fail(ERROR_INVALID_HANDLE);
+        if (!font) return platform::CloseBlockHandle(object, HandleType::kBitmap);
+        if (font.Block<Font>().selections != 0) return Fail(ERROR_INVALID_HANDLE);
     }
-    platform::CloseDrawingHandle(object);
+    platform::CloseObjectHandle(object);
     return TRUE;
 }
 

@@ -4,10 +4,10 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdlib>
 #include <utility>
 
 #include "errors.h"
-#include "font_record.h"
 #include "mappings.h"
 #include "platform/files.h"
 #include "platform/process.h"
@@ -102,7 +102,11 @@ bool Destroy(HandleSlot& slot) noexcept {
             FreeWindow(slot.window);
             return true;
         case HandleType::kFont:
-            FreeFont(slot.font);
+        case HandleType::kBitmap:
+        case HandleType::kIcon:
+        case HandleType::kImageList:
+        case HandleType::kAccelerators:
+            std::free(slot.block);
             return true;
         case HandleType::kDeviceContext:
         case HandleType::kKey:
@@ -237,14 +241,15 @@ HWND NewWindowHandle(Window* window) noexcept {
 
 void CloseWindowHandle(HWND handle) noexcept { CloseTableHandle(handle); }
 
-HFONT NewFontHandle(Font* font) noexcept {
+HANDLE NewBlockHandle(HandleType type, void* block) noexcept {
+    if (!block) return nullptr;
     HandleSlot* const slot = TakeSlot();
     if (!slot) {
-        FreeFont(font);
+        std::free(block);
         return nullptr;
     }
-    slot->font = font;
-    return static_cast<HFONT>(Publish(*slot, HandleType::kFont));
+    slot->block = block;
+    return Publish(*slot, type);
 }
 
 HDC NewDeviceContextHandle() noexcept {
@@ -254,7 +259,11 @@ HDC NewDeviceContextHandle() noexcept {
     return static_cast<HDC>(Publish(*slot, HandleType::kDeviceContext));
 }
 
-void CloseDrawingHandle(HANDLE handle) noexcept { CloseTableHandle(handle); }
+void CloseObjectHandle(HANDLE handle) noexcept { CloseTableHandle(handle); }
+
+BOOL CloseBlockHandle(HANDLE handle, HandleType type) noexcept {
+    return HandleUse(handle, type) ? CloseTableHandle(handle) : Fail(ERROR_INVALID_HANDLE);
+}
 
 HANDLE NewAliasHandle(HANDLE handle, DWORD rights) noexcept {
     HandleSlot* used = Use(handle);
@@ -283,9 +292,9 @@ HANDLE NewAliasHandle(HANDLE handle, DWORD rights) noexcept {
 extern "C" BOOL CloseHandle(HANDLE handle) noexcept {
     if (handle == GetCurrentProcess()) return TRUE;
     if (platform::IsMappingHandle(handle)) return platform::CloseMapping(handle);
-    for (const auto type :
-         {platform::HandleType::kWindow, platform::HandleType::kFont, platform::HandleType::kDeviceContext}) {
-        if (platform::HandleUse(handle, type)) return platform::Fail(ERROR_INVALID_HANDLE);
-    }
-    return platform::CloseTableHandle(handle);
+    const bool closable = [handle] {
+        const platform::HandleUse use(handle, platform::HandleType::kNone);
+        return use && use->type < platform::HandleType::kWindow;
+    }();
+    return closable ? platform::CloseTableHandle(handle) : platform::Fail(ERROR_INVALID_HANDLE);
 }

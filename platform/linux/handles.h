@@ -28,6 +28,11 @@ class HandleUse {
     HandleSlot* operator->() const noexcept { return target_; }
     HandleSlot& operator*() const noexcept { return *target_; }
     [[nodiscard]] std::uint32_t Rights() const noexcept { return slot_->flags; }
+    // Of a type whose slot holds a block.
+    template <class T>
+    [[nodiscard]] T& Block() const noexcept {
+        return *static_cast<T*>(target_->block);
+    }
 
   private:
     HandleSlot* slot_ = nullptr;
@@ -45,11 +50,14 @@ HANDLE NewMutexHandle() noexcept;
 // Takes over a window, also when it fails, and frees it with the last use of the handle.
 HWND NewWindowHandle(Window* window) noexcept;
 void CloseWindowHandle(HWND handle) noexcept;
-// Takes over a font, also when it fails, and frees it with the last use of the handle.
-HFONT NewFontHandle(Font* font) noexcept;
 HDC NewDeviceContextHandle() noexcept;
-// Of a font or a device context.
-void CloseDrawingHandle(HANDLE handle) noexcept;
+// Takes over a block of the C library's heap, also when it fails, and frees it with the last use of the handle. Null for
+// a null block.
+HANDLE NewBlockHandle(HandleType type, void* block) noexcept;
+// Of a device context or a block.
+void CloseObjectHandle(HANDLE handle) noexcept;
+// Closes the handle of a block of that type; with the last error set when it is none.
+BOOL CloseBlockHandle(HANDLE handle, HandleType type) noexcept;
 HANDLE NewKeyHandle(const KeyFacts& key, DWORD access) noexcept;
 // A second handle on the same mutex or process.
 HANDLE NewAliasHandle(HANDLE handle, DWORD rights) noexcept;

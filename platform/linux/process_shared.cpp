@@ -10,7 +10,7 @@ namespace {
 // Far below where the kernel places mappings by itself, and inside what the sanitizers leave to the program.
 constexpr std::uintptr_t kAddress = 0x7E9C11F10000;
 // Changes with the layout of ProcessShared: copies of different layouts do not share.
-constexpr std::uint64_t kMagic = 0x34306F6966706C63;
+constexpr std::uint64_t kMagic = 0x35306F6966706C63;
 
 // Plain bytes: a constructor would run as each module is loaded, touch all of these megabytes, and forget what calls
 // before it had stored.

@@ -22,11 +22,25 @@ inline constexpr std::uint32_t kMaxResourceImages = 64;
 inline constexpr std::size_t kKnownBlocks = 4096;
 
 inline constexpr std::uint32_t kMaxWindowClasses = 256;
+inline constexpr std::uint32_t kMaxSharedIcons = 1024;
 inline constexpr std::size_t kLongestClassName = 64;  // with the terminator
 
-enum class HandleType : std::uint32_t { kNone, kFile, kMutex, kProcess, kKey, kWindow, kFont, kDeviceContext };
+// From kWindow on those that CloseHandle does not close.
+enum class HandleType : std::uint32_t {
+    kNone,
+    kFile,
+    kMutex,
+    kProcess,
+    kKey,
+    kWindow,
+    kDeviceContext,
+    kFont,
+    kBitmap,
+    kIcon,
+    kImageList,
+    kAccelerators
+};
 
-struct Font;
 struct Window;
 
 struct WindowClass {
@@ -60,11 +74,20 @@ struct alignas(64) HandleSlot {
         ProcessFacts process;
         KeyFacts key;
         Window* window;
-        Font* font;
         HFONT selected;  // of a device context; null: the font of the system
+        void* block;     // of all the types behind it: what the handle stands for, from the C library's heap
     };
 };
 static_assert(sizeof(HandleSlot) == 64);
+
+// An icon or cursor that is loaded once, however often it is asked for.
+struct SharedIcon {
+    HMODULE module;
+    const void* source;  // the resource, or the number of one of the system's; null: the place is free
+    std::int32_t width;
+    std::int32_t height;
+    HICON icon;
+};
 
 struct ResourceImage {
     HMODULE module;
@@ -85,6 +108,8 @@ struct ProcessShared {
     pthread_mutex_t class_lock;
     WindowClass window_classes[kMaxWindowClasses];
     ResourceImage images[kMaxResourceImages];
+    pthread_mutex_t icon_lock;
+    SharedIcon shared_icons[kMaxSharedIcons];
     std::atomic<std::uintptr_t> known_blocks[kKnownBlocks];  // of the global heap; see memory.cpp
     HandleSlot slots[kMaxHandles];                           // slot 0 is never used
 };

@@ -74,6 +74,8 @@ std::ptrdiff_t ReadInput(void* data, std::size_t bytes, const std::atomic<bool>&
     }
 }
 
+bool ReaderLeft(int error) noexcept { return error == EPIPE; }
+
 bool IsTerminal(std::FILE* stream) noexcept { return isatty(fileno(stream)) != 0; }
 
 }  // namespace platform

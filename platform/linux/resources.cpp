@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "errors.h"
+#include "image_records.h"
 #include "platform/endian.h"
 #include "platform/locale.h"
 #include "process_shared.h"
@@ -185,6 +186,7 @@ bool RegisterResources(HMODULE module, const void* image, std::size_t bytes) noe
 }
 
 void UnregisterResources(HMODULE module) noexcept {
+    DropSharedIcons(module);
     PthreadLock lock(Shared().resource_lock);
     for (ResourceImage& known : Shared().images) {
         if (known.bytes && known.module == module) known = {};

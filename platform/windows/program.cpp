@@ -4,6 +4,7 @@
 #include <io.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <csignal>
 
 #include "platform/base.h"
@@ -64,6 +65,9 @@ void TakeStopRequests(std::atomic<bool>* flag) noexcept {
 std::ptrdiff_t ReadInput(void* data, std::size_t bytes, const std::atomic<bool>&) noexcept {
     return _read(_fileno(stdin), data, static_cast<unsigned>(std::min(bytes, kMostBytesPerRead)));
 }
+
+// The runtime has no name of its own for a pipe that is being closed.
+bool ReaderLeft(int error) noexcept { return error == EPIPE || error == EINVAL; }
 
 // The runtime takes every character device for a terminal, NUL too: a console is what can be asked for its mode.
 bool IsTerminal(std::FILE* stream) noexcept {

@@ -91,6 +91,12 @@ TEST(Silence, OfOneChannel) {
         EXPECT_EQ(KtAudio_FillSilenceChannel(&wfx, buffer.data(), 3, 0), E_FAIL);
         EXPECT_EQ(KtAudio_FillSilenceChannel(&wfx, buffer.data(), 2, 0), S_OK);
     }
+    // 24 bits in a container of 32.
+    tWAVEFORMATEX wide = Plain(0xFE00, 24, 2);
+    wide.nBlockAlign = 8;
+    Samples pair(8, kUntouched);
+    EXPECT_EQ(KtAudio_FillSilenceChannel(&wide, pair.data(), 1, 1), S_OK);
+    EXPECT_EQ(pair, (Samples{kUntouched, kUntouched, kUntouched, kUntouched, 0, 0, 0, 0}));
     const tWAVEFORMATEX mono = Plain(1, 8, 1);
     Samples buffer(3, kUntouched);
     EXPECT_EQ(KtAudio_FillSilenceChannel(&mono, buffer.data(), 0, 2), S_OK);

@@ -191,6 +191,12 @@ class Pictures(CommandTest):
             self.assertEqual(process.wait(TIMEOUT), 0)
         self.assertEqual(len(error.splitlines()), 1, error)
 
+    def test_a_reader_that_goes_away_hides_no_failure(self):
+        with self.start("info", "--json", *(f"none{i}" for i in range(1000))) as process:
+            process.stdout.close()
+            process.stderr.read()
+            self.assertEqual(process.wait(TIMEOUT), 1)
+
     @native_only
     def test_bar_on_a_terminal(self):
         self.sample()

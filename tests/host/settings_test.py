@@ -75,7 +75,7 @@ class Settings(CommandTest):
 
     def test_the_file_is_named_as_the_module_names_it(self):
         os.mkdir(self.path("d.d"))
-        for clip, file in [(".r3d", ".KtDecProp"), ("d.d/noext", "d.KtDecProp"), ("d.d/b.r3d", "d.d/b.KtDecProp"),
+        for clip, file in [(".r3d", ".KtDecProp"), ("d.d/noext", "d.d/noext.KtDecProp"), ("d.d/b.r3d", "d.d/b.KtDecProp"),
                            ("a.b.c", "a.b.KtDecProp"), ("plain", "plain.KtDecProp")]:
             with self.subTest(clip):
                 self.another(clip)

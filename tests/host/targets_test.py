@@ -1,6 +1,7 @@
 """Where results go: links, devices, folders, older files, and outputs that are the input."""
 
 import os
+import shutil
 import stat
 import threading
 import unittest
@@ -131,11 +132,26 @@ class Targets(CommandTest):
         self.assertEqual((entry["written"], entry["settings"]["file"]), (True, "a.r3d .KtDecProp"))
         self.assertEqual(self.names(), ["a.r3d ", "a.r3d .KtDecProp"])
 
+    def test_any_character_may_stand_in_a_name(self):
+        for name in ("\x1f", "[\x1f]", "[a,b]", "\x1f[a]", "a\nb"):
+            with self.subTest(name):
+                os.mkdir(self.path("x.d"))
+                self.clipfio("make-sample", f"x.d/{name}", *SMALL)
+                (entry,) = self.clipfio("settings", "--json", f"x.d/{name}", "--set", "Tint=5").json["files"]
+                self.assertEqual((entry["written"], entry["path"]), (True, f"x.d/{name}"))
+                self.assertEqual(self.names("x.d"), sorted([name, name + ".KtDecProp"]))
+                shutil.rmtree(self.path("x.d"))
+
     def test_a_pipe_is_no_clip(self):
         os.mkfifo(self.path("fifo"))
         for command in (["info", "fifo"], ["frame", "fifo", "0"], ["settings", "fifo", "--set", "Tint=1"]):
             with self.subTest(command):
                 self.assertIn("a device or a pipe", self.clipfio(*command, expect=1).err)
+
+    def test_output_that_takes_nothing_fails(self):
+        """Not only a full device: this one refuses what is no number, by the error that a closed pipe has elsewhere."""
+        with open("/proc/self/oom_score_adj", "w", encoding="ascii") as output:
+            self.assertIn("cannot write to standard output", self.clipfio("info", "a.r3d", stdout=output, expect=1).err)
 
     def test_file_modes_stay(self):
         self.write("f.png", b"older")

@@ -27,6 +27,24 @@ std::string Printed(const WCHAR* format, Arguments... arguments) {
     return platform::Utf8(text.data());
 }
 
+// Of both, which must agree.
+std::string PrintedByList(const WCHAR* format, ...) {
+    WCHAR text[40], bounded[40];
+    std::va_list list, copy;
+    va_start(list, format);
+    va_copy(copy, list);
+    const int32_t length = KtVPrintF(text, format, list);
+    uint32_t bounded_length = 0;
+    EXPECT_EQ(KtNVPrintF(bounded, 40, &bounded_length, format, copy), S_OK);
+    va_end(copy);
+    va_end(list);
+    EXPECT_EQ(length, static_cast<int32_t>(bounded_length));
+    EXPECT_EQ(platform::Utf8(bounded), platform::Utf8(text));
+    return platform::Utf8(text);
+}
+
+TEST(Print, TakesItsArgumentsAsAList) { EXPECT_EQ(PrintedByList(W("%s %d"), W("take"), 2), "take 2"); }
+
 TEST(Print, ConvertsAsTheRuntimeDoes) {
     const struct {
         const WCHAR* format;
@@ -35,7 +53,7 @@ TEST(Print, ConvertsAsTheRuntimeDoes) {
     } kRows[] = {
         {W("%d"), 0, "0"},     {W("%d%%d"), 3, "3%d"},   {W("plain"), 0, "plain"},   {W("%u"), -1, "4294967295"},
         {W("%i"), -1, "-1"},   {W("%I32d"), -7, "-7"},   {W("$$5.00"), 0, "$5.00"},  {W("%I32x"), -1, "ffffffff"},
-        {W("%o"), 8, "10"},    {W("100%%"), 0, "100%"},  {W("$-3pd|"), 3, "$-3pd|"}, {W("%6z|"), 1234, "  1234|"},
+        {W("%o"), 8, "10"},    {W("100%%"), 0, "100%"},  {W("$-3pd|"), 3, "%-3pd|"}, {W("%6z|"), 1234, "  1234|"},
         {W(""), 0, ""},        {W("abc$"), 0, "abc%"},   {W("%5d|"), 42, "   42|"},  {W("%hd"), 0x12345, "9029"},
         {W("%"), 0, "%"},      {W("a%cb"), 'Z', "aZb"},  {W("%z"), -1234, "-1234"},  {W("%#x"), 0xBEEF, "0xbeef"},
         {W("%ld"), -5, "-5"},  {W("%.4d"), 42, "0042"},  {W("%-5d|"), 42, "42   |"}, {W("%08X"), 0xBEEF, "0000BEEF"},
@@ -234,15 +252,34 @@ TEST(Print, SaysWhatBecameOfEachElementWhenTheRoomIsShort) {
         const WCHAR* format;
         int32_t argument = 0;
     } kRows[] = {
-        {2, S_OK, "%", W("%%%%")},     {5, S_OK, "abcd", W("abcdefgh")},  {4, S_OK, "12 ", W("%d and more"), 12},
-        {2, S_OK, "$", W("$$$$")},     {4, S_OK, "abc", W("$(Room)")},    {9, S_OK, "$(Rome)", W("$(Rome)")},
-        {1, S_OK, "", W("abc")},       {8, kSmall, "x", W("$(Rome)x")},   {6, kSmall, "12345", W("$(1234567.5)")},
-        {8, kSmall, "", W("$(Rome)")}, {8, S_OK, "7", W("$(Rome)%d"), 7}, {5, kSmall, "1234", W("%d"), 1234567},
-        {8, kSmall, "", W("$(Ro me")}, {6, S_OK, "1,234", W("$(1234)")},  {8, S_OK, "1234567", W("%d"), 1234567},
-        {4, kSmall, "", W("$(12")},    {5, kSmall, "1234", W("$(1234)")}, {10, S_OK, "1,234,567", W("$d"), 1234567},
-        {8, S_OK, "$(12", W("$(12")},  {1, S_OK, "", W("%d"), 1234567},   {9, kSmall, "1234567", W("$d"), 1234567},
-        {4, S_OK, "   ", W("%5d"), 7}, {3, S_OK, "ab", W("%x"), 0xABCD},  {5, kSmall, "1234", W("$u"), 1234567},
-        {2, S_OK, ":", W("%:%:")},     {5, kCut, "    ", W("%5c"), 'x'},  {6, kSmall, "1234.", W("$.1z"), 12345},
+        {2, S_OK, "%", W("%%%%")},
+        {5, S_OK, "abcd", W("abcdefgh")},
+        {4, S_OK, "12 ", W("%d and more"), 12},
+        {2, S_OK, "$", W("$$$$")},
+        {4, S_OK, "abc", W("$(Room)")},
+        {9, S_OK, "$(Rome)", W("$(Rome)")},
+        {1, S_OK, "", W("abc")},
+        {8, kSmall, "x", W("$(Rome)x")},
+        {6, kSmall, "12345", W("$(1234567.5)")},
+        {8, kSmall, "", W("$(Rome)")},
+        {8, S_OK, "7", W("$(Rome)%d"), 7},
+        {5, kSmall, "1234", W("%d"), 1234567},
+        {8, kSmall, "", W("$(Ro me")},
+        {6, S_OK, "1,234", W("$(1234)")},
+        {8, S_OK, "1234567", W("%d"), 1234567},
+        {4, kSmall, "", W("$(12")},
+        {5, kSmall, "1234", W("$(1234)")},
+        {10, S_OK, "1,234,567", W("$d"), 1234567},
+        {8, S_OK, "$(12", W("$(12")},
+        {1, S_OK, "", W("%d"), 1234567},
+        {9, kSmall, "1234567", W("$d"), 1234567},
+        {4, S_OK, "   ", W("%5d"), 7},
+        {3, S_OK, "ab", W("%x"), 0xABCD},
+        {5, kSmall, "1234", W("$u"), 1234567},
+        {4, S_OK, "123", W("%.2z"), 12345},
+        {2, S_OK, ":", W("%:%:")},
+        {5, kCut, "    ", W("%5c"), 'x'},
+        {6, kSmall, "1234.", W("$.1z"), 12345},
         {2, S_OK, "%", W("$")},
     };
     for (const auto& row : kRows) ExpectBounded(row.size, row.result, row.text, row.format, row.argument);

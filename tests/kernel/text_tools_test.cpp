@@ -204,6 +204,7 @@ TEST(ByteSizes, HaveTwoDecimals) {
         int64_t size;
         const char *close, *words, *spaced;
     } rows[] = {
+        {-5, "-5", "-5 bytes", "-5"},
         {1023, "1023", "1023 bytes", "1023"},
         {1536, "1.50KB", "1.50 KB", "1.50 KB"},
         {1'023'999, "1,000.00KB", "1,000.00 KB", "1,000.00 KB"},

@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include <semaphore>
+#include <future>
 #include <thread>
 
 #include "platform/scoped.h"
@@ -54,22 +54,19 @@ TEST(Mutexes, ClosedWhileHeld) {
     HANDLE mine = CreateMutexW(nullptr, TRUE, nullptr);
     WaitForSingleObject(mine, INFINITE);
     EXPECT_TRUE(CloseHandle(mine));
-    std::binary_semaphore held(0);
-    std::binary_semaphore closed(0);
-    HANDLE theirs = nullptr;
+    std::promise<HANDLE> held;
+    std::promise<void> closed;
     std::thread other([&] {
-        theirs = CreateMutexW(nullptr, TRUE, nullptr);
-        held.release();
-        closed.acquire();
+        held.set_value(CreateMutexW(nullptr, TRUE, nullptr));
+        closed.get_future().wait();
     });
-    held.acquire();
-    EXPECT_TRUE(CloseHandle(theirs));
+    EXPECT_TRUE(CloseHandle(held.get_future().get()));
     std::vector<platform::ScopedHandle> later;
     for (int i = 0; i < 8; ++i) {
         later.emplace_back(CreateMutexW(nullptr, FALSE, nullptr));
         EXPECT_EQ(WaitForSingleObject(later.back().Get(), 0), WAIT_OBJECT_0);
     }
-    closed.release();
+    closed.set_value();
     other.join();
     for (const auto& mutex : later) EXPECT_TRUE(ReleaseMutex(mutex.Get()));
 }

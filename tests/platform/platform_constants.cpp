@@ -3,9 +3,13 @@
 
 #include "platform/base.h"
 #include "platform/com.h"
+#include "platform/dialogs.h"
 #include "platform/files.h"
+#include "platform/gdi.h"
+#include "platform/images.h"
 #include "platform/locale.h"
 #include "platform/memory.h"
+#include "platform/menu.h"
 #include "platform/modules.h"
 #include "platform/process.h"
 #include "platform/registry.h"
@@ -111,3 +115,26 @@ static_assert(offsetof(WNDCLASSEXW, hInstance) == 24 && offsetof(WNDCLASSEXW, lp
 static_assert(sizeof(CREATESTRUCTW) == 80 && offsetof(CREATESTRUCTW, cy) == 32 && offsetof(CREATESTRUCTW, style) == 48);
 static_assert(offsetof(CREATESTRUCTW, lpszName) == 56 && offsetof(CREATESTRUCTW, dwExStyle) == 72);
 static_assert(FORMAT_MESSAGE_FROM_STRING == 0x400);
+
+static_assert(WM_SETFONT == 0x30 && WM_GETFONT == 0x31 && WM_INITDIALOG == 0x110);
+static_assert(WS_POPUP == 0x80000000 && WS_CAPTION == 0xC00000 && WS_BORDER == 0x800000 && WS_TABSTOP == 0x10000);
+static_assert(WS_DISABLED == 0x8000000 && WS_EX_DLGMODALFRAME == 1 && WS_EX_NOPARENTNOTIFY == 4);
+static_assert(DS_ABSALIGN == 1 && DS_NOFAILCREATE == 0x10 && DS_SETFONT == 0x40 && DS_MODALFRAME == 0x80);
+static_assert(DS_CENTER == 0x800 && DWLP_MSGRESULT == 0 && DWLP_DLGPROC == 8 && DWLP_USER == 16);
+static_assert(sizeof(RECT) == 16 && sizeof(SIZE) == 8 && sizeof(INT_PTR) == 8 && sizeof(DLGPROC) == 8);
+static_assert(sizeof(TEXTMETRICW) == 60 && offsetof(TEXTMETRICW, tmFirstChar) == 44);
+static_assert(offsetof(TEXTMETRICW, tmItalic) == 52 && offsetof(TEXTMETRICW, tmCharSet) == 56);
+static_assert(LOGPIXELSX == 88 && LOGPIXELSY == 90 && LF_FACESIZE == 32);
+static_assert(FW_NORMAL == 400 && FW_BOLD == 700 && DEFAULT_CHARSET == 1);
+static_assert(MF_BYCOMMAND == 0 && MF_GRAYED == 1 && MF_POPUP == 0x10 && MF_BYPOSITION == 0x400);
+static_assert(MF_SEPARATOR == 0x800 && MIIM_STRING == 0x40);
+static_assert(sizeof(MENUITEMINFOW) == 80 && offsetof(MENUITEMINFOW, dwTypeData) == 56);
+static_assert(sizeof(ACCEL) == 6 && offsetof(ACCEL, key) == 2 && offsetof(ACCEL, cmd) == 4);
+
+static_assert(IMAGE_BITMAP == 0 && IMAGE_ICON == 1 && IMAGE_CURSOR == 2);
+static_assert(LR_MONOCHROME == 1 && LR_LOADFROMFILE == 0x10 && LR_LOADTRANSPARENT == 0x20 && LR_DEFAULTSIZE == 0x40);
+static_assert(LR_LOADMAP3DCOLORS == 0x1000 && LR_CREATEDIBSECTION == 0x2000 && LR_SHARED == 0x8000);
+static_assert(CLR_NONE == 0xFFFFFFFF && CLR_DEFAULT == 0xFF000000 && DIB_RGB_COLORS == 0 && ILD_TRANSPARENT == 1);
+static_assert(sizeof(BITMAP) == 32 && offsetof(BITMAP, bmBitsPixel) == 18 && offsetof(BITMAP, bmBits) == 24);
+static_assert(sizeof(RGBQUAD) == 4 && offsetof(RGBQUAD, rgbRed) == 2 && sizeof(BITMAPINFO) == 44);
+static_assert(sizeof(ICONINFO) == 32 && offsetof(ICONINFO, hbmMask) == 16 && offsetof(ICONINFO, hbmColor) == 24);

@@ -20,11 +20,13 @@ HWND Make(const WCHAR* name, HWND parent = nullptr, int id = 0, DWORD style = 0)
 
 std::vector<UINT>* g_messages = nullptr;
 UINT g_refused = 0;
+bool g_takes_parent = false;
 
 LRESULT CALLBACK Record(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
     const bool life =
         message == WM_NCCREATE || message == WM_CREATE || message == WM_DESTROY || message == WM_NCDESTROY;
     if (life && g_messages) g_messages->push_back(message);
+    if (message == WM_DESTROY && g_takes_parent) DestroyWindow(GetParent(window));
     if (message == g_refused) return message == WM_CREATE ? -1 : 0;
     return DefWindowProcW(window, message, wparam, lparam);
 }
@@ -80,6 +82,18 @@ TEST_F(Windows, LiveAndDieWithTheirParents) {
         SetLastError(0);
         EXPECT_NE(ErrorOf(DestroyWindow(gone)), 0u);
     }
+}
+
+TEST_F(Windows, MayTakeTheirParentsAlong) {
+    g_takes_parent = true;
+    for (const bool child_first : {false, true}) {
+        const HWND parent = Make(W("STATIC"));
+        const HWND child = Make(W("WindowsRecording"), parent, 1);
+        const HWND sibling = Make(W("STATIC"), parent, 2);
+        EXPECT_TRUE(DestroyWindow(child_first ? child : parent));
+        EXPECT_FALSE(IsWindow(parent) || IsWindow(child) || IsWindow(sibling)) << child_first;
+    }
+    g_takes_parent = false;
 }
 
 TEST_F(Windows, LieInTheirParents) {

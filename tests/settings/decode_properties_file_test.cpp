@@ -330,6 +330,8 @@ TEST(DecodePropertiesPath, StandsBesideTheClip) {
         {W("C:\\clips\\"), {}, E_INVALIDARG},         {W("A001.C002.r3d"), W("A001.C002.KtDecProp")},
         {W("clip.KtDecProp"), {}, E_INVALIDARG},      {longest + W(".r3d"), longest + W(".KtDecProp")},
         {W("clip.ktdecprop"), {}, E_INVALIDARG},      {{}, {}, E_INVALIDARG},
+        {W("/a.b/clip"), W("/a.b/clip.KtDecProp")},   {W("./clip"), W("./clip.KtDecProp")},
+        {W("../clip"), W("../clip.KtDecProp")},       {W("/clips/"), {}, E_INVALIDARG},
     };
     for (const PathCase& row : kCases) {
         WCHAR out[kPathSize] = W("old");

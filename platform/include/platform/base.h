@@ -69,6 +69,8 @@ using HRSRC = HANDLE;
 using HMODULE = struct HINSTANCE__*;
 using HINSTANCE = HMODULE;
 using HWND = struct HWND__*;
+using HICON = struct HICON__*;
+using HCURSOR = HICON;
 using FARPROC = LONG_PTR (*)();
 
 union LARGE_INTEGER {

@@ -1,31 +1,15 @@
-// Dialogs and the other objects of the user interface that are made out of resources, menus apart.
-//
-// Natively dialogs are made and never shown, and nobody can answer one. The calls for objects of other kinds fail there
-// with ERROR_CALL_NOT_IMPLEMENTED.
+// Dialogs, made out of templates. Natively they are made and never shown, and nobody can answer one.
 #pragma once
 
 #include "platform/base.h"
 #include "platform/window.h"
 
-#ifdef _WIN32
-
-#include <commctrl.h>
-
-#else
+#ifndef _WIN32
 
 using INT_PTR = std::intptr_t;
 using UINT_PTR = std::uintptr_t;
-using HACCEL = struct HACCEL__*;
-using HBITMAP = struct HBITMAP__*;
-using HIMAGELIST = struct HIMAGELIST__*;
-using COLORREF = DWORD;
 using DLGPROC = INT_PTR(CALLBACK*)(HWND dialog, UINT message, WPARAM wparam, LPARAM lparam);
 
-struct ACCEL {
-    BYTE fVirt;
-    WORD key;
-    WORD cmd;
-};
 struct DLGTEMPLATE;  // read as bytes: its fields are not all aligned
 
 inline constexpr DWORD DS_ABSALIGN = 0x01;
@@ -63,14 +47,5 @@ extern "C" BOOL EndDialog(HWND dialog, INT_PTR result) noexcept;
 extern "C" LRESULT DefDlgProcW(HWND dialog, UINT message, WPARAM wparam, LPARAM lparam) noexcept;
 // From dialog units to pixels.
 extern "C" BOOL MapDialogRect(HWND dialog, RECT* rectangle) noexcept;
-
-extern "C" HACCEL CreateAcceleratorTableW(ACCEL* entries, int count) noexcept;
-extern "C" HBITMAP LoadBitmapW(HINSTANCE module, const WCHAR* name) noexcept;
-extern "C" HCURSOR LoadCursorW(HINSTANCE module, const WCHAR* name) noexcept;
-extern "C" HICON LoadIconW(HINSTANCE module, const WCHAR* name) noexcept;
-extern "C" HANDLE LoadImageW(HINSTANCE module, const WCHAR* name, UINT type, int width, int height,
-                             UINT flags) noexcept;
-extern "C" HIMAGELIST ImageList_LoadImageW(HINSTANCE module, const WCHAR* name, int width, int grow_by, COLORREF mask,
-                                           UINT type, UINT flags) noexcept;
 
 #endif

@@ -55,7 +55,7 @@ extern "C" int GetDeviceCaps(HDC context, int index) noexcept;
 extern "C" HFONT CreateFontW(int height, int width, int escapement, int orientation, int weight, DWORD italic,
                              DWORD underline, DWORD strike_out, DWORD charset, DWORD out_precision,
                              DWORD clip_precision, DWORD quality, DWORD pitch, const WCHAR* face) noexcept;
-// Only a font can be selected; one that is selected somewhere cannot be deleted.
+// Only a font can be selected; one that is selected somewhere cannot be deleted. Bitmaps are deleted here too.
 extern "C" HGDIOBJ SelectObject(HDC context, HGDIOBJ object) noexcept;
 extern "C" BOOL DeleteObject(HGDIOBJ object) noexcept;
 extern "C" BOOL GetTextExtentPoint32W(HDC context, const WCHAR* text, int length, SIZE* size) noexcept;

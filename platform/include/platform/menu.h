@@ -1,4 +1,4 @@
-// Menus, and how they are made out of templates.
+// Menus, and how they are made out of templates, and the keys that stand for their commands.
 //
 // A menu is used by one thread at a time. A wrong or destroyed menu fails with ERROR_INVALID_MENU_HANDLE.
 #pragma once
@@ -8,6 +8,7 @@
 #ifndef _WIN32
 
 using HMENU = struct HMENU__*;
+using HACCEL = struct HACCEL__*;
 
 inline constexpr UINT MF_BYCOMMAND = 0x0;
 inline constexpr UINT MF_BYPOSITION = 0x400;
@@ -54,5 +55,17 @@ extern "C" UINT GetMenuState(HMENU menu, UINT item, UINT flags) noexcept;
 extern "C" int GetMenuStringW(HMENU menu, UINT item, WCHAR* text, int size, UINT flags) noexcept;
 extern "C" HMENU GetSubMenu(HMENU menu, int position) noexcept;
 extern "C" BOOL SetMenuItemInfoW(HMENU menu, UINT item, BOOL by_position, const MENUITEMINFOW* info) noexcept;
+
+struct ACCEL {
+    BYTE fVirt;  // flags: a key's number rather than a character, and the keys held with it
+    WORD key;
+    WORD cmd;
+};
+
+// Tables of keys: kept and given back, for no key is ever pressed here. The table is the caller's to destroy.
+extern "C" HACCEL CreateAcceleratorTableW(ACCEL* entries, int count) noexcept;
+extern "C" BOOL DestroyAcceleratorTable(HACCEL table) noexcept;
+// The entries copied, `count` at most; without `entries` how many there are. 0 for what is no table.
+extern "C" int CopyAcceleratorTableW(HACCEL table, ACCEL* entries, int count) noexcept;
 
 #endif

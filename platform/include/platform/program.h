@@ -28,6 +28,9 @@ void TakeStopRequests(std::atomic<bool>* flag) noexcept;
 // when it cannot be read. The flag ends the wait, with -1, where the system lets go of a read.
 std::ptrdiff_t ReadInput(void* data, std::size_t bytes, const std::atomic<bool>& flag) noexcept;
 
+// Whether the errno of a failed write says that the reader has closed its end.
+bool ReaderLeft(int error) noexcept;
+
 bool IsTerminal(std::FILE* stream) noexcept;
 
 }  // namespace platform

@@ -19,11 +19,15 @@ inline bool HoldsResource(HMODULE module, HRSRC resource) noexcept {
 #else
 
 #define MAKEINTRESOURCEW(id) (reinterpret_cast<const WCHAR*>(static_cast<ULONG_PTR>(static_cast<WORD>(id))))
+#define RT_CURSOR MAKEINTRESOURCEW(1)
 #define RT_BITMAP MAKEINTRESOURCEW(2)
+#define RT_ICON MAKEINTRESOURCEW(3)
 #define RT_MENU MAKEINTRESOURCEW(4)
 #define RT_DIALOG MAKEINTRESOURCEW(5)
 #define RT_STRING MAKEINTRESOURCEW(6)
 #define RT_ACCELERATOR MAKEINTRESOURCEW(9)
+#define RT_GROUP_CURSOR MAKEINTRESOURCEW(12)
+#define RT_GROUP_ICON MAKEINTRESOURCEW(14)
 #define RT_VERSION MAKEINTRESOURCEW(16)
 
 // A language of 0 takes the best match for the thread: the user's language, then English, then the first one there is.

@@ -11,8 +11,6 @@
 
 using LRESULT = LONG_PTR;
 using ATOM = WORD;
-using HICON = struct HICON__*;
-using HCURSOR = HICON;
 using HBRUSH = struct HBRUSH__*;
 using WNDPROC = LRESULT (*)(HWND, UINT, WPARAM, LPARAM);
 
