@@ -106,7 +106,8 @@ HRESULT KtAudio_FillSilenceChannel(const tWAVEFORMATEX* format, void* buffer, ui
     if (!HasChannelSilence(format->wFormatTag, bits)) return E_FAIL;
     if (!buffer) return E_INVALIDARG;
     // A sample may lie in a wider container.
-    const size_t container = format->nBlockAlign % format->nChannels == 0 ? format->nBlockAlign / format->nChannels : 0u;
+    const size_t container =
+        format->nBlockAlign % format->nChannels == 0 ? format->nBlockAlign / format->nChannels : 0u;
     const size_t bytes = std::max<size_t>(container, bits / 8);
     const uint8_t value = bits == 8 && format->wFormatTag != kTagPcmSigned8 ? 0x80 : 0;
     uint8_t* out = static_cast<uint8_t*>(buffer) + channel * bytes;

@@ -51,8 +51,8 @@ HANDLE NewMutexHandle() noexcept;
 HWND NewWindowHandle(Window* window) noexcept;
 void CloseWindowHandle(HWND handle) noexcept;
 HDC NewDeviceContextHandle() noexcept;
-// Takes over a block of the C library's heap, also when it fails, and frees it with the last use of the handle. Null for
-// a null block.
+// Takes over a block of the C library's heap, also when it fails, and frees it with the last use of the handle. Null
+// for a null block.
 HANDLE NewBlockHandle(HandleType type, void* block) noexcept;
 // Of a device context or a block.
 void CloseObjectHandle(HANDLE handle) noexcept;
