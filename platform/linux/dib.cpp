@@ -17,8 +17,6 @@ constexpr std::size_t kHeader = 40;
 constexpr std::size_t kMasksAt = 40;  // behind or within a header, as its size says
 constexpr std::size_t kHeaderWithAlpha = 56;
 
-constexpr Pixel Gray(unsigned value) noexcept { return value << 16 | value << 8 | value; }
-
 struct Header {
     std::size_t size = 0;
     std::int32_t width = 0;
@@ -31,7 +29,7 @@ struct Header {
     std::size_t palette_at = 0;
     std::uint32_t masks[4] = {};  // red, green, blue, alpha
 
-    [[nodiscard]] std::size_t RowBytes() const noexcept { return (std::size_t{bits} * width + 31) / 32 * 4; }
+    [[nodiscard]] std::size_t RowBytes() const noexcept { return (bits * Count(width) + 31) / 32 * 4; }
     [[nodiscard]] std::size_t RowsAt() const noexcept { return palette_at + colors * color_size; }
     [[nodiscard]] bool InRuns() const noexcept {
         return compression == kRunsOfBytes || compression == kRunsOfHalfBytes;
@@ -113,7 +111,7 @@ bool ReadHeader(Bytes bytes, Header& header) noexcept {
 unsigned Part(std::uint32_t pixel, std::uint32_t mask) noexcept {
     if (mask == 0) return 0;
     const int low = std::countr_zero(mask);
-    const int width = std::bit_width(mask) - low;
+    const int width = static_cast<int>(std::bit_width(mask)) - low;
     std::uint32_t value = (pixel & mask) >> low;
     if (width >= 8) return value >> (width - 8);
     value <<= 8 - width;
@@ -129,8 +127,7 @@ Pixel Masked(std::uint32_t pixel, const std::uint32_t (&masks)[4]) noexcept {
 // Rows of whole bytes, one a pixel, out of runs; what they leave out is color 0. Runs that leave the picture are cut.
 class Runs {
   public:
-    Runs(const Header& header, Bytes in)
-        : header_(header), in_(in), out_(static_cast<std::size_t>(header.width) * header.height) {}
+    Runs(const Header& header, Bytes in) : header_(header), in_(in), out_(Count(header.width) * Count(header.height)) {}
 
     std::vector<unsigned char> Unpack() noexcept {
         while (!ended_ && at_ + 2 <= in_.size()) {
@@ -154,7 +151,7 @@ class Runs {
 
     void Put(unsigned value) noexcept {
         if (x_ < header_.width && y_ < header_.height) {
-            out_[static_cast<std::size_t>(y_) * header_.width + x_] = static_cast<unsigned char>(value);
+            out_[Count(y_) * Count(header_.width) + Count(x_)] = static_cast<unsigned char>(value);
         }
         if (x_ < header_.width) ++x_;
     }
@@ -252,12 +249,13 @@ Picture ReadRows(const Header& header, const Colors& colors, Bytes rows) {
         if (std::int64_t{header.width} * header.height > kMostPixels) return {};
         const std::vector<unsigned char> unpacked = Runs(header, rows).Unpack();
         return Fill(header, [&](std::int32_t y, std::int32_t x) {
-            return colors.Indexed(unpacked[static_cast<std::size_t>(y) * header.width + x]);
+            return colors.Indexed(unpacked[Count(y) * Count(header.width) + Count(x)]);
         });
     }
     const std::size_t row_bytes = header.RowBytes();
     if (rows.size() / row_bytes < static_cast<std::size_t>(header.height)) return {};
-    return Fill(header, [&](std::int32_t y, std::int32_t x) { return colors.At(rows.data() + row_bytes * y, x); });
+    return Fill(header,
+                [&](std::int32_t y, std::int32_t x) { return colors.At(rows.data() + row_bytes * Count(y), x); });
 }
 
 }  // namespace
@@ -306,14 +304,14 @@ bool ReadIconDib(Bytes bytes, Picture& color, Picture& mask, DibFacts& facts) {
     facts = colors.Facts();
     color = ReadRows(header, colors, bytes.subspan(header.RowsAt()));
     if (!color.pixels) return false;
-    const std::size_t mask_at = header.RowsAt() + header.RowBytes() * header.height;
+    const std::size_t mask_at = header.RowsAt() + header.RowBytes() * Count(header.height);
     Header mask_header = header;
     mask_header.bits = 1;
     const std::size_t row_bytes = mask_header.RowBytes();
     const Bytes rows = bytes.subspan(mask_at);
     if (rows.size() / row_bytes < static_cast<std::size_t>(header.height)) return false;
     mask = Fill(mask_header, [&](std::int32_t y, std::int32_t x) {
-        return Gray((rows[row_bytes * y + x / 8] >> (7 - x % 8) & 1) * 0xFF);
+        return (rows[row_bytes * Count(y) + Count(x / 8)] >> (7 - x % 8) & 1) != 0 ? kWhite : kBlack;
     });
     return true;
 }

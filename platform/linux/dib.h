@@ -17,14 +17,17 @@ inline constexpr Pixel kWhite = 0xFFFFFF;
 inline constexpr std::int32_t kWidestPicture = 32767;
 inline constexpr std::uint32_t kMostPixels = 1 << 26;
 
+// Of a number that is not negative.
+constexpr std::size_t Count(std::int32_t n) noexcept { return static_cast<std::size_t>(n); }
+
 struct Picture {
     std::int32_t width = 0;
     std::int32_t height = 0;
     std::unique_ptr<Pixel[]> pixels;  // the top row first
 
-    [[nodiscard]] std::size_t Size() const noexcept { return static_cast<std::size_t>(width) * height; }
+    [[nodiscard]] std::size_t Size() const noexcept { return Count(width) * Count(height); }
     [[nodiscard]] Pixel& At(std::int32_t x, std::int32_t y) const noexcept {
-        return pixels[static_cast<std::size_t>(y) * width + x];
+        return pixels[Count(y) * Count(width) + Count(x)];
     }
 };
 

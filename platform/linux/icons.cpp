@@ -154,8 +154,8 @@ bool ReadPng(Bytes bytes, Picture& color, Picture& mask) {
     return true;
 }
 
-// `facts` without its sizes and depth.
-HICON MakeIcon(Bytes bytes, Icon facts, int width, int height) noexcept {
+// `facts` without its depth.
+HICON MakeIcon(Bytes bytes, IconFacts facts, int width, int height) noexcept {
     if (FaultHere()) return Fail<HICON>(ERROR_NOT_ENOUGH_MEMORY, nullptr);
     return Guarded(HICON{}, [&] {
         Picture color;
@@ -165,17 +165,16 @@ HICON MakeIcon(Bytes bytes, Icon facts, int width, int height) noexcept {
         if (!read) return Fail<HICON>(ERROR_INVALID_DATA, nullptr);
         facts.two_colors = dib.two_colors;
         // The hot spot keeps its place in the picture.
-        if (width > 0) facts.hot_x = static_cast<std::uint32_t>(std::uint64_t{facts.hot_x} * width / color.width);
-        if (height > 0) facts.hot_y = static_cast<std::uint32_t>(std::uint64_t{facts.hot_y} * height / color.height);
+        if (width > 0) facts.hot_x = static_cast<std::uint32_t>(facts.hot_x * Count(width) / Count(color.width));
+        if (height > 0) facts.hot_y = static_cast<std::uint32_t>(facts.hot_y * Count(height) / Count(color.height));
         return NewIcon(facts, Scaled(std::move(color), width, height), Scaled(std::move(mask), width, height));
     });
 }
 
-Icon Facts(bool icon, std::uint32_t hot_spot) noexcept {
-    return {0, 0, hot_spot & 0xFFFF, hot_spot >> 16, icon, false, false};
+IconFacts Facts(bool icon, std::uint32_t hot_spot) noexcept {
+    return {hot_spot & 0xFFFF, hot_spot >> 16, icon, false, false};
 }
 
-// An icon's hot spot is its middle.
 HICON MakeFromResource(Bytes bytes, bool icon, int width, int height) noexcept {
     std::uint32_t hot_spot = 0;
     if (!icon) {
@@ -258,7 +257,7 @@ bool Matches(const SharedIcon& known, HMODULE module, const void* source, const 
         return false;
     }
     const HandleUse use(known.icon, HandleType::kIcon);
-    return use && use.Block<Icon>().is_icon == icon;
+    return use && use.Block<Icon>().facts.is_icon == icon;
 }
 
 // The one that is shared already, or else what `make` makes, which is then shared.
@@ -274,24 +273,24 @@ HICON Share(HMODULE module, const void* source, const Sizes& sizes, bool icon, M
     const HICON made = make();
     const HandleUse use(made, HandleType::kIcon);
     if (!use) return nullptr;
-    use.Block<Icon>().shared = true;
+    use.Block<Icon>().facts.shared = true;
     *place = {module, source, sizes.width, sizes.height, made};
     return made;
 }
 
 }  // namespace
 
-HICON NewIcon(const Icon& facts, const Picture& color, const Picture& mask) noexcept {
+HICON NewIcon(const IconFacts& facts, const Picture& color, const Picture& mask) noexcept {
     if (!color.pixels || !mask.pixels) return Fail<HICON>(ERROR_INVALID_PARAMETER, nullptr);
     const std::size_t size = color.Size();
     auto* const icon = static_cast<Icon*>(FaultHere() ? nullptr : std::malloc(sizeof(Icon) + 2 * size * sizeof(Pixel)));
     if (!icon) return Fail<HICON>(ERROR_NOT_ENOUGH_MEMORY, nullptr);
-    std::memcpy(icon, &facts, sizeof facts);
+    icon->facts = facts;
     icon->width = color.width;
     icon->height = color.height;
-    if (icon->is_icon) {
-        icon->hot_x = static_cast<std::uint32_t>(color.width / 2);
-        icon->hot_y = static_cast<std::uint32_t>(color.height / 2);
+    if (facts.is_icon) {
+        icon->facts.hot_x = static_cast<std::uint32_t>(color.width / 2);
+        icon->facts.hot_y = static_cast<std::uint32_t>(color.height / 2);
     }
     std::copy_n(mask.pixels.get(), size, icon->pixels);
     std::copy_n(color.pixels.get(), size, icon->pixels + size);
@@ -367,14 +366,14 @@ extern "C" BOOL GetIconInfo(HICON handle, ICONINFO* info) noexcept {
             return picture.pixels ? NewBitmap(picture, false) : Fail<HBITMAP>(ERROR_NOT_ENOUGH_MEMORY, nullptr);
         };
         const std::size_t size = static_cast<std::size_t>(icon.width) * static_cast<std::size_t>(icon.height);
-        const HBITMAP mask = copy(icon.pixels, icon.two_colors ? 2 * icon.height : icon.height);
+        const HBITMAP mask = copy(icon.pixels, icon.facts.two_colors ? 2 * icon.height : icon.height);
         if (!mask) return FALSE;
-        const HBITMAP color = icon.two_colors ? nullptr : copy(icon.pixels + size, icon.height);
-        if (!color && !icon.two_colors) {
+        const HBITMAP color = icon.facts.two_colors ? nullptr : copy(icon.pixels + size, icon.height);
+        if (!color && !icon.facts.two_colors) {
             DeleteObject(mask);
             return FALSE;
         }
-        *info = {icon.is_icon ? TRUE : FALSE, icon.hot_x, icon.hot_y, mask, color};
+        *info = {icon.facts.is_icon ? TRUE : FALSE, icon.facts.hot_x, icon.facts.hot_y, mask, color};
         return TRUE;
     });
 }
@@ -383,7 +382,7 @@ extern "C" BOOL DestroyIcon(HICON handle) noexcept {
     {
         const HandleUse use(handle, HandleType::kIcon);
         if (!use) return Fail(ERROR_INVALID_HANDLE);
-        if (use.Block<Icon>().shared) return TRUE;
+        if (use.Block<Icon>().facts.shared) return TRUE;
     }
     return CloseBlockHandle(handle, HandleType::kIcon);
 }

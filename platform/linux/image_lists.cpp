@@ -120,7 +120,7 @@ extern "C" HICON ImageList_GetIcon(HIMAGELIST handle, int index, UINT) noexcept 
             return picture;
         };
         const Pixel* const image = list.Image(index);
-        Icon facts{};
+        IconFacts facts{};
         facts.is_icon = true;
         return NewIcon(facts, copy(image + list.ImageSize()), copy(image));
     });

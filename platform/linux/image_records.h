@@ -16,21 +16,25 @@ struct Bitmap {
     Pixel pixels[];  // the top row first
 };
 
-struct Icon {
-    std::int32_t width;
-    std::int32_t height;
+struct IconFacts {
     std::uint32_t hot_x;
     std::uint32_t hot_y;
     bool is_icon;
     bool two_colors;
     bool shared;
+};
+
+struct Icon {
+    IconFacts facts;
+    std::int32_t width;
+    std::int32_t height;
     Pixel pixels[];  // the mask, then the colors
 };
 
 // Both give null with the last error set.
 HBITMAP NewBitmap(const Picture& picture, bool section) noexcept;
-// `facts` without its sizes.
-HICON NewIcon(const Icon& facts, const Picture& color, const Picture& mask) noexcept;
+// An icon's hot spot is its middle, whatever the facts say.
+HICON NewIcon(const IconFacts& facts, const Picture& color, const Picture& mask) noexcept;
 
 // Throws std::bad_alloc; empty with the last error set. `facts` says what the picture was made of.
 Picture LoadPicture(HINSTANCE module, const WCHAR* name, UINT flags, DibFacts& facts);
