@@ -96,16 +96,5 @@ TEST_F(ChosenConverter, FollowsTheFeaturesThatAreAllowed) {
     EXPECT_EQ(CurrentCpuLevel(), std::min(CpuLevel::Sse41, VectorLevels().back()));
 }
 
-TEST_F(ChosenConverter, FollowsTheForcedLevel) {
-    const std::vector<CpuLevel> levels = VectorLevels();
-    ASSERT_FALSE(levels.empty());
-    for (const CpuLevel level : levels) {
-        ASSERT_TRUE(SetCpuLevel(level));
-        EXPECT_EQ(CurrentCpuLevel(), level);
-        EXPECT_EQ(KtAudio_GetCopyFunction2(KTSAMPLETYPE_PCM16, KTSAMPLETYPE_PCM24),
-                  FindConverter(level, KTSAMPLETYPE_PCM16, KTSAMPLETYPE_PCM24));
-    }
-}
-
 }  // namespace
 }  // namespace clipfio::audio

@@ -54,7 +54,7 @@ void AppendRemarkableWords(std::vector<uint8_t>& out, KTSAMPLETYPE type) {
 
 std::vector<uint8_t> AllCodes(KTSAMPLETYPE type) {
     std::vector<uint8_t> out;
-    const uint32_t bits = type == KTSAMPLETYPE_PCM24IN32 ? 24 : KtAudio_BitsFromSampleType(type);
+    const uint32_t bits = KtAudio_BitsFromSampleType(type);
     const int32_t limit = 1 << (bits - 1);
     out.resize((size_t{1} << bits) * BytesOf(type));
     WithFormat(type, [&]<class F>(F) {
@@ -72,7 +72,7 @@ std::vector<uint8_t> RemarkableSamples(KTSAMPLETYPE type, size_t count) {
         AppendRemarkableFloats<float>(out);
     } else if (type == KTSAMPLETYPE_FLOAT64) {
         AppendRemarkableFloats<double>(out);
-    } else if (BytesOf(type) == 4) {
+    } else if (BytesOf(type) >= 3) {
         AppendRemarkableWords(out, type);
     }
     std::mt19937_64 random(type);

@@ -153,13 +153,9 @@ TEST(Wfx, EqualInFourFields) {
     b.nBlockAlign = 9;
     b.nAvgBytesPerSec = 9;
     EXPECT_EQ(KtAudio_IsEqualFormat(&a, &b), 1);
-    for (const int field : {0, 1, 2, 3}) {
-        b = a;
-        if (field == 0) b.nChannels = 3;
-        if (field == 1) b.nSamplesPerSec = 1;
-        if (field == 2) b.wFormatTag = 3;
-        if (field == 3) b.wBitsPerSample = 24;
-        EXPECT_EQ(KtAudio_IsEqualFormat(&a, &b), 0) << field;
+    b.nSamplesPerSec = 1;
+    for (const tWAVEFORMATEX& other : {Plain(1, 16, 3, 4), Plain(3, 16, 2, 4), Plain(1, 24, 2, 4), b}) {
+        EXPECT_EQ(KtAudio_IsEqualFormat(&a, &other), 0);
     }
 }
 

@@ -37,17 +37,6 @@ class Making(CommandTest):
         self.clipfio("make-sample", "a.r3d", "--size", "1x1", "--frames", "1")
         self.clipfio("frame", "a.r3d", "0", "-o", "f.png")
 
-    def test_timecode(self):
-        frame = bytes(16 * 16 * 6)
-        for rate, timecode, last in [("24", "10:20:30:23", "10:20:31:00"), ("25", "00:00:00:00", "00:00:00:01"),
-                                     ("29.97", "01:00:00;00", "01:00:00:01"), ("59.94", "00:01:00;04", "00:01:00:05"),
-                                     ("29.97", "00:09:59;29", "00:10:00:00")]:
-            with self.subTest(timecode):
-                self.clipfio("make-clip", "a.r3d", "--size", "16x16", "--rate", rate, "--timecode", timecode,
-                             stdin=frame * 2)
-                entry = self.entry("a.r3d")["timecode"]
-                self.assertEqual((entry["first"], entry["last"]), (timecode.replace(";", ":"), last))
-
     def test_input_that_does_not_fit(self):
         frame = bytes(16 * 16 * 6)
         self.write("five.wav", make_wav(48000, 5, [0] * 10))
@@ -62,14 +51,6 @@ class Making(CommandTest):
                 self.assertIn(message, result.err)
                 self.assertEqual(self.names(), ["five.wav", "none.wav"])
 
-    def test_output_that_cannot_be_written(self):
-        os.mkdir(self.path("folder.r3d"))
-        for output in ("gone/a.r3d", "folder.r3d"):
-            with self.subTest(output):
-                self.assertIn(f"cannot write {output}",
-                              self.clipfio("make-sample", output, "--size", "16x16", expect=1).err)
-        self.assertEqual(self.names(), ["folder.r3d"])
-
     def test_interrupt_leaves_no_clip(self):
         self.write("a.r3d", b"older")
         with self.start("make-sample", "a.r3d", "--frames", "5000") as process:
@@ -79,42 +60,26 @@ class Making(CommandTest):
             self.assertEqual(process.wait(TIMEOUT), 1)
         self.assertEqual((self.names(), self.read("a.r3d")), (["a.r3d"], b"older"))
 
-    def film_to_clip(self, *source, audio=()):
-        """A film, as 8-bit frames, and the clip made of it."""
-        film = self.path("film.mkv")
-        ffmpeg("-y", *source, "-frames:v", FRAMES, "-vf", f"scale={WIDTH}:{HEIGHT}", "-an", "-c:v", "ffv1", "-pix_fmt",
-               "gbrp", film)
-        frames = ffmpeg("-i", film, "-f", "rawvideo", "-pix_fmt", "rgb48le", "-")
-        self.clipfio("make-clip", "film.r3d", "--size", f"{WIDTH}x{HEIGHT}", "--rate", "25", *audio, stdin=frames)
-        return ffmpeg("-i", film, "-f", "rawvideo", "-pix_fmt", "bgra", "-")
-
-    def check_through_an_encoder(self, film):
-        piped = self.clipfio("pipe", "film.r3d").raw
-        self.assertEqual(len(piped), len(film))
-        self.assertLess(worst_mean_difference(piped, film), 1.0)
-        # What the program says to be piped is what the encoder takes.
-        ffmpeg(*VIDEO, "-pix_fmt", "bgra", "-i", "-", "-y", "-c:v", "libx264", "-qp", "8", "-pix_fmt", "yuv444p",
-               self.path("out.mov"), stdin=piped)
-        back = ffmpeg("-i", self.path("out.mov"), "-f", "rawvideo", "-pix_fmt", "bgra", "-")
-        self.assertEqual(len(back), len(film))
-        self.assertLess(worst_mean_difference(back, film), 3.0)
-        return back
-
-    def test_film_through_an_encoder_and_back(self):
-        """Detail at all scales, flat areas and moving edges go through the decoder, an encoder and its decoder."""
-        for source in (f"mandelbrot=s={WIDTH}x{HEIGHT}:r=25", f"testsrc2=s={WIDTH}x{HEIGHT}:r=25"):
-            with self.subTest(source):
-                film = self.film_to_clip("-f", "lavfi", "-i", source)
-                back = self.check_through_an_encoder(film)
-                self.assertGreater(worst_mean_difference(back, film[::-1]), 10.0)
-
     def test_film_of_a_camera(self):
+        """Through the decoder, an encoder and its decoder; the sound arrives as it was."""
+        film, back = self.path("film.mkv"), self.path("out.mov")
+        ffmpeg("-i", CAMERA_FILM, "-frames:v", FRAMES, "-vf", f"scale={WIDTH}:{HEIGHT}", "-an", "-c:v", "ffv1",
+               "-pix_fmt", "gbrp", film)
         ffmpeg("-i", CAMERA_FILM, "-vn", "-c:a", "pcm_s24le", "-ac", "2", self.path("sound.wav"))
-        self.check_through_an_encoder(self.film_to_clip("-i", CAMERA_FILM, audio=("--audio", "sound.wav")))
+        self.clipfio("make-clip", "film.r3d", "--size", f"{WIDTH}x{HEIGHT}", "--rate", "25", "--audio", "sound.wav",
+                     stdin=ffmpeg("-i", film, "-f", "rawvideo", "-pix_fmt", "rgb48le", "-"))
+        piped = self.clipfio("pipe", "film.r3d").raw
+        # What the program says to be piped is what the encoder takes.
+        ffmpeg(*VIDEO, "-pix_fmt", "bgra", "-i", "-", "-c:v", "libx264", "-qp", "8", "-pix_fmt", "yuv444p", back,
+               stdin=piped)
+        frames, again = (ffmpeg("-i", name, "-f", "rawvideo", "-pix_fmt", "bgra", "-") for name in (film, back))
+        self.assertEqual((len(piped), len(again)), (len(frames), len(frames)))
+        self.assertLess(worst_mean_difference(piped, frames), 1.0)
+        self.assertLess(worst_mean_difference(again, frames), 3.0)
+        self.assertGreater(worst_mean_difference(again, frames[::-1]), 10.0)
         self.clipfio("audio", "film.r3d", "-o", "back.wav")
-        sound, back = (ffmpeg("-i", self.path(name), "-f", "f32le", "-") for name in ("sound.wav", "back.wav"))
-        self.assertEqual(len(sound), len(back))
-        self.assertEqual(sound, back)
+        sound, heard = (ffmpeg("-i", self.path(name), "-f", "f32le", "-") for name in ("sound.wav", "back.wav"))
+        self.assertEqual(sound, heard)
         self.assertGreater(len(set(sound)), 100)
 
 

@@ -49,8 +49,9 @@ class Usage(CommandTest):
                 self.assertIn("Options:", result.out)
                 self.assertEqual(result.err, "")
 
-    def test_help_that_cannot_be_written(self):
-        for args in (["--help"], ["--version"], ["info", "--help"]):
+    def test_output_that_cannot_be_written(self):
+        self.sample()
+        for args in (["--help"], ["--version"], ["info", "--help"], ["info", "a.r3d"]):
             with self.subTest(args), open("/dev/full", "wb") as full:
                 error = self.clipfio(*args, stdout=full, expect=1).err
                 self.assertIn("cannot write to standard output", error)

@@ -28,16 +28,6 @@ TEST(PluginEntry, StartsTheDecoderWithTheModuleAndEndsItBeforeTheKernel) {
     EXPECT_EQ(child.Wait(), 0u);
 }
 
-TEST(PluginEntry, FactoryComesForAnyClassAndFromTheModuleThatIsRunning) {
-    EXPECT_NE(KtKernel_GetAppKernel(), nullptr);
-    EXPECT_EQ(DllCanUnloadNow(), S_FALSE);
-    DllInitClasses();
-    for (const CLSID& id : {CLSID_KtReadFileClass, CLSID_KtUnsharedFIOPluginInfo, IID_IUnknown}) {
-        ComPtr<IClassFactory> factory;
-        EXPECT_EQ(DllGetClassObject(id, IID_IClassFactory, factory.OutVoid()), S_OK);
-    }
-}
-
 }  // namespace
 
 CHILD_ROLE(events_of_the_decoder) {

@@ -1,6 +1,8 @@
 // Second processes for the tests of memory tokens, and tokens as lines of text between them.
 #pragma once
 
+#include <array>
+#include <bit>
 #include <cstdint>
 #include <sstream>
 #include <string>
@@ -14,18 +16,16 @@ namespace reader_tests {
 
 inline std::string LineOf(const _ktmemorytoken& token) {
     std::ostringstream line;
-    line << reinterpret_cast<uintptr_t>(token.mapping) << ' ' << token.address << ' ' << token.size << ' '
-         << token.mappedSize << ' ' << token.offset << ' ' << token.type << ' ' << token.processId;
+    for (const uint8_t byte : std::bit_cast<std::array<uint8_t, sizeof token>>(token)) line << int{byte} << ' ';
     return line.str();
 }
 
 inline _ktmemorytoken TokenOfLine(const std::string& text) {
-    _ktmemorytoken token = {};
-    uintptr_t mapping = 0;
-    std::istringstream(text) >> mapping >> token.address >> token.size >> token.mappedSize >> token.offset >>
-        token.type >> token.processId;
-    token.mapping = reinterpret_cast<HANDLE>(mapping);
-    return token;
+    std::istringstream line(text);
+    std::array<uint8_t, sizeof(_ktmemorytoken)> bytes = {};
+    int value = 0;
+    for (uint8_t& byte : bytes) byte = static_cast<uint8_t>(line >> value ? value : 0);
+    return std::bit_cast<_ktmemorytoken>(bytes);
 }
 
 // What an owner's memory holds at first.

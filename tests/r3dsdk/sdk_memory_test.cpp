@@ -5,7 +5,7 @@
 #include "r3dsdk/sdk_import_list.h"
 #include "r3dsdk/sdk_loader.h"
 #include "r3dsdk/sdk_test_values.h"
-#include "support/failing_new.h"
+#include "support/fail_each.h"
 #include "tests/r3dsdk/candidate_scene.h"
 
 namespace clipfio {
@@ -27,42 +27,30 @@ class SdkMemory : public CandidateScene {
 
 TEST_F(SdkMemory, Initialize) {
     int failures = 0;
-    bool hit = true;
-    for (int n = 0; hit; ++n) {
-        int32_t status;
-        {
-            FailingNew fail(n);
-            status = SdkInitialize(folder.c_str(), 0);
-            hit = fail.Hit();
-        }
-        failures += status != 0;
-        EXPECT_EQ(HasClipOperations(), status == 0) << n;
-        EXPECT_TRUE(hit || status == 0) << n;
-        SdkFinalize();
-    }
+    support::FailEach<FailingNew>([&] { return SdkInitialize(folder.c_str(), 0); },
+                                  [&](int32_t status, bool hit) {
+                                      failures += status != 0;
+                                      EXPECT_EQ(HasClipOperations(), status == 0);
+                                      EXPECT_TRUE(hit || status == 0);
+                                      SdkFinalize();
+                                  });
     EXPECT_GT(failures, 12) << "the table alone has twelve keys";
 }
 
 TEST_F(SdkMemory, LoadLate) {
-    bool hit = true;
-    for (int n = 0; hit; ++n) {
-        ASSERT_EQ(SdkInitialize(folder.c_str(), 0), 0);
-        int32_t status;
-        uint32_t rows;
-        bool lost;
-        {
-            FailingNew fail(n);
+    ASSERT_EQ(SdkInitialize(folder.c_str(), 0), 0);
+    support::FailEach<FailingNew>(
+        [&] {
             SdkImportRows list;
             list.Add("REDR3D-x64.dll", kMainLibraryId, 0);
-            rows = list.Count();
-            lost = list.LostRows();
-            status = SdkLoadLate(further.c_str(), &list);
-            hit = fail.Hit();
-        }
-        EXPECT_EQ(rows, lost ? 0u : 1u);
-        EXPECT_TRUE(HasClipOperations());
-        EXPECT_TRUE(hit || status == 0) << n;
-    }
+            EXPECT_EQ(list.Count(), list.LostRows() ? 0u : 1u);
+            return SdkLoadLate(further.c_str(), &list);
+        },
+        [&](int32_t status, bool hit) {
+            EXPECT_TRUE(HasClipOperations());
+            EXPECT_TRUE(hit || status == 0);
+            EXPECT_EQ(SdkInitialize(folder.c_str(), 0), 0);
+        });
 }
 
 }  // namespace

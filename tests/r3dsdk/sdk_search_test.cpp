@@ -42,42 +42,6 @@ TEST_F(SdkSearch, LinesOfSuccess) {
     EXPECT_EQ(Loaded(), "");
 }
 
-TEST_F(SdkSearch, LinesOfARedirect) {
-    candidates["good"].redirects = {"@twin/"};
-    EXPECT_EQ(Initialize("@good"), 0);
-    const std::string list = Listed(
-        "0: idx = 1, status = 0, version = 7.0.3: @twin/\n"
-        "1: idx = 0, status = 0, version = 7.0.3: @good\\\n");
-    std::string opened = OpenedLines("twin");
-    opened.replace(opened.find('\\'), 1, "/");
-    EXPECT_EQ(log, Begin("@good") + OpenedLines("good") + InFolders("[LOAD PATH ] @twin/\n") + EndLines("good") +
-                       opened + list + EndLines("twin") + opened + kTableLines + kStartLines + list + "-" +
-                       kClientText + InFolders(" twin [@twin/]\n[OK INIT   ]\n"));
-}
-
-TEST_F(SdkSearch, LinesOfALibraryTooOld) {
-    candidates["good"].numbers = {{"patch", 2}};
-    EXPECT_EQ(Initialize("@good"), 6);
-    const std::string list = Listed("0: idx = 0, status = 6, version = 7.0.2: @good\\\n");
-    EXPECT_EQ(log, Begin("@good") + OpenedLines("good", "7.0.2") + "[FAIL VER  ] (0) dynamic version below 7.0.3\n" +
-                       list + list + EndLines("good") + "[FAIL INIT ] error 6\n");
-    EXPECT_FALSE(HasClipOperations());
-}
-
-TEST_F(SdkSearch, LinesOfAMissingSymbol) {
-    EXPECT_EQ(Initialize("@coreless"), 7);
-    const std::string list = Listed("0: idx = 0, status = 7, version = 0.0.0: @coreless\\\n");
-    EXPECT_EQ(log, Begin("@coreless") +
-                       InFolders("[LOAD LIB  ] @coreless\\REDR3D-x64.dll\n"
-                                 "[NOT FOUND ] RED_MINIMUM_PATCH_VERSION\n"
-                                 "[NOT FOUND ] RED_LIB_FINALIZE\n"
-                                 "[UNLOAD LIB]\n"
-                                 "[FAIL SYM  ] API\n"
-                                 "[FAIL LOAD ] 7 -> 7 - @coreless\\REDR3D-x64.dll\n") +
-                       list + list + "[FAIL INIT ] error 7\n");
-    ExpectEvents("coreless detach\n");
-}
-
 TEST_F(SdkSearch, LinesOfAMissingFile) {
     const std::string file = InFolders("@nowhere\\REDR3D-x64.dll");
     ASSERT_EQ(LoadLibraryA(file.c_str()), nullptr);
@@ -152,6 +116,10 @@ TEST_F(SdkSearch, WhichLibraryIsTaken) {
         {"the environment redirects", "@twin", "@good", "good>@plain", 0, " plain [@plain\\]", "0: idx = 2"},
         {"another id", "@good", "", "good.id=1", 7, "",
          "[FAIL ID   ] 00000001\n[FINALIZE  ] 00000001 good\n[UNLOAD LIB] 00000001 good\n"},
+        {"symbols missing", "@coreless", "", "", 7, "",
+         "[LOAD LIB  ] @coreless\\REDR3D-x64.dll\n[NOT FOUND ] RED_MINIMUM_PATCH_VERSION\n[NOT FOUND ] "
+         "RED_LIB_FINALIZE\n"
+         "[UNLOAD LIB]\n[FAIL SYM  ] API\n[FAIL LOAD ] 7 -> 7 - @coreless\\REDR3D-x64.dll\n---"},
         {"no id", "@good", "", "good.id=0", 7, "", "[FAIL ID   ] 00000000\n[FINALIZE  ] 00000000 good\n[UNLOAD LIB]\n"},
     };
     for (const auto& row : rows) {
@@ -245,12 +213,6 @@ TEST_F(SdkSearch, FoldersInAnyScript) {
     Capture([] { SdkFinalize(); });
     std::error_code ignored;
     std::filesystem::remove_all(there, ignored);
-}
-
-TEST_F(SdkSearch, SilentUnlessAsked) {
-    SdkSetTestValue(kSdkTestLogLevel, 254);
-    EXPECT_EQ(Initialize("@good", "@nowhere"), 0);
-    EXPECT_EQ(log, "");
 }
 
 }  // namespace

@@ -45,22 +45,6 @@ TEST_F(SdkStart, WhatALibraryIsTold) {
     ASSERT_EQ(Initialize("@twin", "", 0x100), 0) << "with the path of the first time";
 }
 
-TEST_F(SdkStart, LibrariesEndInReverseOrder) {
-    candidates["good"].imports = {{kTwinFile}, {"../plain/REDR3D-x64.dll"}};
-    ASSERT_EQ(Initialize("@good"), 0) << log;
-    EXPECT_EQ(Loaded(), InFolders(" good twin plain [@good\\]"));
-    TakeEvents();
-    Capture([] { SdkFinalize(); });
-    ExpectEvents(
-        "plain finalize\nplain detach\n"
-        "twin finalize\ntwin detach\n"
-        "good finalize\ngood detach\n");
-    EXPECT_EQ(log,
-              "[FINALIZE  ] 52334410 plain\n[UNLOAD LIB] 52334410 plain\n"
-              "[FINALIZE  ] 52334410 twin\n[UNLOAD LIB] 52334410 twin\n"
-              "[FINALIZE  ] 52334410 good\n[UNLOAD LIB] 52334410 good\n");
-}
-
 TEST_F(SdkStart, ImportsThatFail) {
     const struct {
         const char *file, *says;

@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <new>
+#include <utility>
 
 #include "platform/endian.h"
 #include "r3dsdk/sdk_interfaces.h"
@@ -128,8 +129,11 @@ KT_API void R3D_AAF(uintptr_t clip) {
     Object(clip).loaded.store(false, std::memory_order_relaxed);
 }
 
-KT_API int32_t R3D_AAI(uintptr_t clip, uint64_t frame, VideoDecodeJob* job) {
+KT_API int32_t R3D_AAI(uintptr_t clip, uint64_t frame, VideoDecodeJob* given) {
     const Decoding decoding(Object(clip));
+    // The job is the caller's copy for this call: nothing of it may be looked at afterwards.
+    const VideoDecodeJob copy = std::exchange(*given, {});
+    const VideoDecodeJob* const job = &copy;
     if (Told().remembers) Told().jobs.push_back({frame, *job, *job->settings});
     if (!Object(clip).loaded.load(std::memory_order_relaxed)) return 2;
     if (Told().decode_status != 0) return Told().decode_status;
@@ -145,8 +149,6 @@ KT_API int32_t R3D_AAI(uintptr_t clip, uint64_t frame, VideoDecodeJob* job) {
     } else {
         WritePicture(*job, row_samples, height, [&](uint64_t i) { return fake_decoder::Sample8(frame, i); });
     }
-    // The job is the caller's copy for this call: nothing of it may be looked at afterwards.
-    *job = {};
     return 0;
 }
 

@@ -32,12 +32,7 @@ TEST_F(ReadAudioStream, TellsLengthsAndFormats) {
     Told().clip.sample_size = 0x10018;  // the low half counts
     const auto file = MeasuredFile();
     const auto audio = AudioOf(file.Get());
-    uint32_t kind[3] = {9, 9, 9};
-    EXPECT_EQ(audio->GetKind(kind, kind + 1, kind + 2), S_OK);
-    EXPECT_EQ(kind[0], 1u);
-    EXPECT_EQ(kind[1] + kind[2], 0u);
     EXPECT_EQ(Got(audio, &IKtReadAudioStream::GetDuration), 30000000);
-    EXPECT_EQ(Got(audio, &IKtReadAudioStream::GetStartTime), 0);
     EXPECT_EQ(Got(audio, &IKtReadAudioStream::GetLength), 144000u);
     EXPECT_EQ(Got(audio, &IKtReadAudioStream::GetBlockAlign), 12u);
 
@@ -64,9 +59,6 @@ TEST_F(ReadAudioStream, TellsLengthsAndFormats) {
     info.format[1] = 0xFF;
     info.format[32] = 0xFF;
     EXPECT_EQ(audio->CheckFormat(&info), S_FALSE);
-    EXPECT_EQ(audio->GetFormat(nullptr), E_INVALIDARG);
-    EXPECT_EQ(audio->GetNativeFormat(nullptr), E_INVALIDARG);
-    EXPECT_EQ(audio->CheckFormat(nullptr), E_INVALIDARG);
 }
 
 TEST_F(ReadAudioStream, ReadsUntilTheCountIsThere) {
@@ -147,10 +139,9 @@ TEST_F(ReadAudioStream, RefusesWhatItCannotWriteTo) {
     EXPECT_EQ(audio->ReadSamples(0, &token, 100, nullptr), E_INVALIDARG);
     EXPECT_EQ(audio->ReadSamples(0, nullptr, 100, &read), E_INVALIDARG);
     EXPECT_EQ(read, 0);
-    _ktmemorytoken wild[4] = {token, token, token, token};
-    wild[0].size = 799, wild[1].size = 0x80000000, wild[2].size = 0;  // the first is short of one byte
-    wild[3].address = 0;
-    for (const auto& bad : wild) {
+    auto tokens = UnusableTokens(token);
+    tokens.push_back(TokenOf(memory.data(), 799));  // short of one byte
+    for (const auto& bad : tokens) {
         read = -1;
         EXPECT_EQ(audio->ReadSamples(0, &bad, 100, &read), E_INVALIDARG);
         EXPECT_EQ(read, 0);

@@ -63,13 +63,6 @@ TEST_F(ReadFile, IsMeasuredWhenItIsNamed) {
     EXPECT_EQ(TakeEvents(), (Events{"destroy"}));
 }
 
-TEST_F(ReadFile, EndsAClipThatIsStillOpen) {
-    auto file = OpenFile();
-    TakeEvents();
-    file.Reset();
-    EXPECT_EQ(TakeEvents(), (Events{"destroy"}));
-}
-
 TEST_F(ReadFile, KeepsANameThatCannotBeOpened) {
     auto file = EmptyFile();
     Told().loads_to_fail = 9;
@@ -217,18 +210,6 @@ TEST_F(ReadFile, HandsOutTheSameStreamsAgainAndAgain) {
     const auto empty = EmptyFile();
     EXPECT_EQ(empty->GetStream(&out, 0, 0), E_UNEXPECTED);
     EXPECT_EQ(out, nullptr);
-
-    ComPtr<IKtReadFile> back;
-    EXPECT_EQ(video->GetFile(back.Out()), S_OK);
-    EXPECT_EQ(back.Get(), file.Get());
-    EXPECT_EQ(audio->GetFile(back.Out()), S_OK);
-    EXPECT_EQ(back.Get(), file.Get());
-    ComPtr<IKtReadFileClass> its_class;
-    EXPECT_EQ(video->GetFileClass(its_class.Out()), S_OK);
-    EXPECT_EQ(its_class.Get(), file_class_.Get());
-    EXPECT_EQ(audio->GetFileClass(its_class.Out()), S_OK);
-    EXPECT_EQ(file->GetFileClass(its_class.Out()), S_OK);
-    EXPECT_EQ(its_class.Get(), file_class_.Get());
 }
 
 TEST_F(ReadFile, DuplicatesIntoAnObjectOfItsOwn) {

@@ -90,42 +90,35 @@ TEST(AudioChannels, AreTheLowestFourBitsOfTheMask) {
 }
 
 TEST(AlignedBuffer, GrowsAlignedAndNeverShrinks) {
+    constexpr int64_t kMost = std::numeric_limits<int64_t>::max(), kLeast = std::numeric_limits<int64_t>::min();
+    enum Pointer { None, Same, New };
+    constexpr struct {
+        int64_t size;
+        HRESULT result;
+        Pointer pointer;
+    } kSteps[] = {
+        {0, S_OK, None}, {-1, S_OK, None},     {kLeast, S_OK, None}, {1, S_OK, New},
+        {15, S_OK, New}, {513, S_OK, New},     {100000, S_OK, New},  {0, S_OK, Same},
+        {1, S_OK, Same}, {100000, S_OK, Same}, {10, S_OK, Same},     {kMost, E_OUTOFMEMORY, None},
+        {10, S_OK, New},
+    };
     for (const uint64_t alignment : {16u, 512u}) {
         AlignedBuffer buffer(alignment);
-        void* pointer = &buffer;
-        for (const int64_t nothing : {int64_t{0}, int64_t{-1}, std::numeric_limits<int64_t>::min()}) {
-            EXPECT_EQ(buffer.Reserve(nothing), S_OK);
-            EXPECT_EQ(buffer.GetPointer(&pointer), S_OK);
-            EXPECT_EQ(pointer, nullptr);
-        }
         void* last = nullptr;
-        for (const int64_t size : {1, 15, 513, 100000}) {
-            EXPECT_EQ(buffer.Reserve(size), S_OK);
+        for (const auto& step : kSteps) {
+            EXPECT_EQ(buffer.Reserve(step.size), step.result);
+            void* pointer = &buffer;
             EXPECT_EQ(buffer.GetPointer(&pointer), S_OK);
+            EXPECT_EQ(pointer == nullptr, step.pointer == None) << step.size;
+            EXPECT_TRUE(step.pointer != Same || pointer == last) << step.size;
+            last = pointer;
+            if (step.pointer != New) continue;
             EXPECT_EQ(reinterpret_cast<uintptr_t>(pointer) % alignment, 0u);
-            const std::vector<uint8_t> zeros(static_cast<size_t>(size));
+            const std::vector<uint8_t> zeros(static_cast<size_t>(step.size));
             EXPECT_EQ(std::memcmp(pointer, zeros.data(), zeros.size()), 0);
             std::memset(pointer, 0xFF, zeros.size());
-            last = pointer;
-        }
-        for (const int64_t size : {0, 1, 100000}) {
-            EXPECT_EQ(buffer.Reserve(size), S_OK);
-            EXPECT_EQ(buffer.GetPointer(&pointer), S_OK);
-            EXPECT_EQ(pointer, last);
         }
     }
-}
-
-TEST(AlignedBuffer, HoldsNothingWhenMemoryRunsOut) {
-    AlignedBuffer buffer(16);
-    ASSERT_EQ(buffer.Reserve(100), S_OK);
-    EXPECT_EQ(buffer.Reserve(std::numeric_limits<int64_t>::max()), E_OUTOFMEMORY);
-    void* pointer = &buffer;
-    EXPECT_EQ(buffer.GetPointer(&pointer), S_OK);
-    EXPECT_EQ(pointer, nullptr);
-    EXPECT_EQ(buffer.Reserve(10), S_OK);
-    EXPECT_EQ(buffer.GetPointer(&pointer), S_OK);
-    EXPECT_NE(pointer, nullptr);
 }
 
 }  // namespace

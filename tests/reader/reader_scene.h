@@ -34,6 +34,13 @@ inline _ktmemorytoken TokenOf(void* memory, std::size_t bytes) {
     return token;
 }
 
+// Tokens of no memory that anything could be written to.
+inline std::vector<_ktmemorytoken> UnusableTokens(const _ktmemorytoken& token) {
+    std::vector<_ktmemorytoken> tokens(4, token);
+    tokens[0].size = 0, tokens[1].size = 0x80000000, tokens[2].size = 0xFFFFFFFF, tokens[3].address = 0;
+    return tokens;
+}
+
 inline _ktframerequest Request(uint32_t bits, double scale = 1.0, uint32_t quality = 4, double gamma = 0.0) {
     _ktframerequest request = {};
     request.bitsPerPixel = bits;

@@ -125,74 +125,21 @@ const TextCase kTexts[] = {
      [](Record& r) { r.imageDetail = 0xFFFFFFFF, r.imageIso = 0xFFFFFFFFFFFFFFFE; }},
     {"beyond 32 bits", "ImageDetail=99999999999999999999|ImageDenoise=4294967296|"sv,
      [](Record& r) { r.imageDetail = r.imageDenoise = 0x7FFFFFFF; }},
-    {"combo with a fraction", "ImageDetail=1.9|ImageDenoise=x|"sv, [](Record& r) { r.imageDetail = 1; }},
-    {"only one is true", "DEB=1|"sv, [](Record& r) { r.deb = 1; }},
-    {"two is not true", "DEB=2|"sv, [](Record&) {}},
-    {"nor is a word", "DEB=true|"sv, [](Record&) {}},
+    {"combo with a fraction", "ImageDetail=1.9|ImageDenoise=x|"sv,
+     [](Record& r) { r.imageDetail = 1, r.imageDenoise = 0; }},
+    {"only one is true", "DEB=1|"sv, [](Record&) {}},
+    {"two is not true", "DEB=2|"sv, [](Record& r) { r.deb = 0; }},
+    {"nor is a word", "DEB=true|"sv, [](Record& r) { r.deb = 0; }},
 };
 
 TEST_F(DecodePropertiesFile, ReadsAnyText) {
-    DecodeSettingsRecord start;
+    DecodeSettingsRecord start = DistinctRecord();  // no other field may change, whatever kind it is of
     start.tint = 7;
     start.contrast = 0.75f;
     for (const TextCase& row : kTexts) {
         DecodeSettingsRecord expected = start;
         row.expect(expected);
         EXPECT_TRUE(SameRecord(Apply(std::string(row.text), start), expected)) << row.name;
-    }
-}
-
-// Independent of the reader: cuts the text with string operations and looks the fields up in the table.
-DecodeSettingsRecord Oracle(std::string_view text, DecodeSettingsRecord record) {
-    while (true) {
-        const size_t sign = text.find('=');
-        if (sign == text.npos) return record;
-        const std::string_view key = text.substr(0, sign);
-        const std::string value(text.substr(sign + 1, text.find('|', sign) - sign - 1));
-        for (const PropertyRow& row : kPropertyTable) {
-            if (key != row.key) continue;
-            char* const field = reinterpret_cast<char*>(&record) + row.recordOffset;
-            const long long whole = std::clamp(std::strtoll(value.c_str(), nullptr, 10), -0x80000000LL, 0x7FFFFFFFLL);
-            const float number = static_cast<float>(std::atof(value.c_str()));
-            const bool is_float = row.kind == PropertyKind::Float || row.kind == PropertyKind::Coordinate;
-            if (row.kind == PropertyKind::Boolean) {
-                *field = whole == 1;
-            } else if (is_float) {
-                std::memcpy(field, &number, 4);
-            } else {
-                std::memcpy(field, &whole, row.kind == PropertyKind::IntCombo ? 8 : 4);
-            }
-        }
-        const size_t bar = text.find('|', sign);
-        if (bar == text.npos) return record;
-        text.remove_prefix(bar + 1);
-    }
-}
-
-TEST_F(DecodePropertiesFile, CutAtEveryByte) {
-    const std::string text = Save(DistinctRecord());
-    for (size_t length = 0; length <= text.size(); ++length) {
-        const std::string cut = text.substr(0, length);
-        ASSERT_TRUE(SameRecord(Apply(cut), Oracle(cut, {}))) << length;
-    }
-}
-
-TEST_F(DecodePropertiesFile, RandomDamage) {
-    std::mt19937 random(20171005);
-    const std::string text = Save(DistinctRecord());
-    for (int round = 0; round < 2000; ++round) {
-        std::string damaged = text;
-        for (unsigned n = 0; n < 1 + random() % 20; ++n) {
-            const size_t at = random() % damaged.size();
-            const size_t length = random() % 40;
-            const auto way = random() % 4;
-            if (way == 0) damaged[at] = static_cast<char>(random());
-            if (way == 1) damaged[at] = "=|.-\0"[random() % 5];
-            if (way == 2) damaged.erase(at, length);
-            if (way == 3) damaged.insert(at, text.substr(random() % text.size(), length));
-            if (damaged.empty()) damaged = "=";
-        }
-        ASSERT_TRUE(SameRecord(Apply(damaged), Oracle(damaged, {}))) << damaged;
     }
 }
 

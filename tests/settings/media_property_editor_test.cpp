@@ -142,21 +142,6 @@ TEST_F(SettingsOnDisk, RoundTripReplacesAnOlderFile) {
     EXPECT_TRUE(SameRecord(record, DistinctRecord()));
 }
 
-TEST_F(SettingsOnDisk, WithoutAFileTheRecordStands) {
-    DecodeSettingsRecord record = DistinctRecord();
-    EXPECT_EQ(editor_.ApplyFile(record, file_.Path()), S_OK);
-    EXPECT_EQ(GetFileAttributesW(file_.Path()), INVALID_FILE_ATTRIBUTES) << "nothing is made";
-    WCHAR folder[MAX_PATH];
-    ASSERT_NE(GetTempPathW(MAX_PATH, folder), 0u);
-    EXPECT_EQ(editor_.ApplyFile(record, folder), S_OK) << "a folder";
-    EXPECT_TRUE(SameRecord(record, DistinctRecord()));
-}
-
-TEST_F(SettingsOnDisk, WritingReportsThatTheFileCannotBeOpened) {
-    const WString path = file_.Path() + WString(W("\\missing\\clip.KtDecProp"));
-    EXPECT_TRUE(FAILED(editor_.WriteFile(path.c_str(), DecodeSettingsRecord{})));
-}
-
 TEST_F(SettingsOnDisk, EveryFailingCallLeavesTheRecordAlone) {
     ASSERT_EQ(editor_.WriteFile(file_.Path(), DistinctRecord()), S_OK);
     int calls = 0;

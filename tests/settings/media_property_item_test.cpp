@@ -88,58 +88,6 @@ TYPED_TEST(MediaPropertyItemTest, OnlyADifferentValueIsAChange) {
     EXPECT_EQ(item.GetValue(), S::kValues[1]);
 }
 
-TYPED_TEST(MediaPropertyItemTest, AnUnsetItemReachesNeitherRecordNorStream) {
-    using S = Samples<TypeParam>;
-    auto item = MakeItem<TypeParam>();
-    item.SetValue(S::kValues[0]);
-    for (const ItemState state : {ItemState::Unset, ItemState::Loaded, ItemState::Mixed}) {
-        item.SetState(state);
-        DecodeSettingsRecord record;
-        EXPECT_EQ(item.SetSetting(record, S::kValues[1]), S_OK);
-        const DecodeSettingsRecord before = record;
-        MemoryStream stream;
-        EXPECT_EQ(item.StoreToSettings(record), S_OK);
-        EXPECT_EQ(item.WriteToStream(&stream), S_OK);
-        const bool isUnset = state == ItemState::Unset;
-        EXPECT_EQ(SameRecord(record, before), isUnset);
-        EXPECT_EQ(stream.content, isUnset ? "" : std::string(item.GetName()) + "=" + S::kTexts[0]);
-        EXPECT_EQ(stream.calls, isUnset ? 0 : 1);
-    }
-}
-
-TYPED_TEST(MediaPropertyItemTest, CopyTakesStateAndValue) {
-    using S = Samples<TypeParam>;
-    auto original = MakeItem<TypeParam>();
-    original.SetValue(S::kValues[0]);
-    original.SetState(ItemState::Agreed);
-    auto item = MakeItem<TypeParam>();
-    item.SetValue(S::kValues[1]);
-    EXPECT_EQ(item.CopyFrom(original), S_OK);
-    EXPECT_EQ(item.GetState(), ItemState::Changed);
-    EXPECT_EQ(item.GetValue(), S::kValues[0]);
-    EXPECT_EQ(item.CopyFrom(original), S_OK) << "now equal: the state comes over as it is";
-    EXPECT_EQ(item.GetState(), ItemState::Agreed);
-}
-
-TYPED_TEST(MediaPropertyItemTest, ACloneKeepsKeyValueStateAndField) {
-    using S = Samples<TypeParam>;
-    auto item = MakeItem<TypeParam>();
-    item.SetValue(S::kValues[0]);
-    alignas(std::max_align_t) std::byte place[kItemBytes];
-    for (void* const where : {static_cast<void*>(place), static_cast<void*>(nullptr)}) {
-        MediaPropertyItem* const clone = item.Clone(where);
-        ASSERT_NE(clone, nullptr);
-        EXPECT_STREQ(clone->GetName(), item.GetName());
-        EXPECT_EQ(clone->GetState(), ItemState::Changed);
-        DecodeSettingsRecord fromItem, fromClone;
-        item.StoreToSettings(fromItem);
-        clone->StoreToSettings(fromClone);
-        EXPECT_TRUE(SameRecord(fromItem, fromClone));
-        EXPECT_FALSE(SameRecord(fromItem, DecodeSettingsRecord{}));
-        where ? clone->~MediaPropertyItem() : delete clone;
-    }
-}
-
 TEST(MediaPropertyItem, CopyRefusesAnotherBranch) {
     Tint floating;
     ImageISO combo;
@@ -168,18 +116,6 @@ TEST(MediaPropertyItem, FloatsAgreeWithinTheTolerance) {
     }
 }
 
-TEST(MediaPropertyItem, LimitsComeFromTheTableAndBindNobody) {
-    ColorTemperature item;
-    item.Initialize();
-    EXPECT_EQ(item.GetMinimum(), 1700.0f);
-    EXPECT_EQ(item.GetMaximum(), 100000.0f);
-    EXPECT_EQ(item.GetDefault(), 5600.0f);
-    DecodeSettingsRecord record;
-    record.colorTemperature = -1.0f;
-    item.LoadFromSettings(record);
-    EXPECT_EQ(item.GetValue(), -1.0f);
-}
-
 TEST(MediaPropertyItem, CoordinateWithoutPlaceTouchesNothing) {
     for (const int32_t index : {-1, 10, INT_MAX, INT_MIN}) {
         UserCurveGreenCoordinate item;
@@ -204,16 +140,6 @@ TEST(MediaPropertyItem, IsoKeepsTheLowHalfAndExtendsTheSign) {
     item.SetValue(0xFFFFFFFEu);
     item.StoreToSettings(record);
     EXPECT_EQ(record.imageIso, 0xFFFFFFFFFFFFFFFEu);
-}
-
-TEST(MediaPropertyItem, ComboTablesComeFromTheRows) {
-    const ImageDenoise denoise;
-    ASSERT_EQ(denoise.GetCount(), 7u);
-    EXPECT_EQ(denoise.GetTable()[6].value, 6u);
-    EXPECT_EQ(denoise.GetTable()[6].stringId, 125u);
-    const ImageISO iso;
-    ASSERT_EQ(iso.GetCount(), 22u);
-    EXPECT_EQ(iso.GetTable()[21], 12800);
 }
 
 }  // namespace

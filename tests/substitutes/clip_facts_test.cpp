@@ -10,8 +10,6 @@
 namespace clipfio::decoder::test {
 namespace {
 
-const DecoderLibrary& Library() { return DecoderLibrary::Get(); }
-
 std::vector<int32_t> CountedSound(size_t values) {
     std::vector<int32_t> sound(values);
     for (size_t i = 0; i < values; ++i) sound[i] = static_cast<int32_t>(i * 2654435761u);
@@ -58,33 +56,13 @@ TEST(ClipFacts, MeasuresAndSettingsAreThoseOfTheDescription) {
     EXPECT_EQ(std::memcmp(&settings, &d.settings, sizeof settings), 0);
 }
 
-TEST(ClipFacts, AClipWithoutSoundOrWithoutFramesHasNone) {
-    ClipDescription d = SmallClip();
-    d.sample_rate = 0;
-    const TestFile file;
-    WriteClip(file, d, {});
-    const TestClip clip(file);
-    uint64_t largest = 1, count = 1;
-    int32_t sample = 0;
-    EXPECT_EQ(Library().clip_status(clip.Handle()), 0u);
-    EXPECT_EQ(Library().clip_frame_count(clip.Handle()), 0u);
-    EXPECT_EQ(Library().frame_timecode(clip.Handle(), 0), nullptr);
-    EXPECT_EQ(Library().frame_timecode(clip.Handle(), ~uint64_t{0}), nullptr);
-    EXPECT_EQ(Library().audio_block_info(clip.Handle(), &largest), 0u);
-    EXPECT_EQ(largest, 0u);
-    EXPECT_EQ(Library().decode_audio(clip.Handle(), 0, &count, &sample, 4), Number(Status::EndOfSound));
-    EXPECT_EQ(count, 0u);
-}
-
-struct SoundRead {
-    uint64_t first, wanted, bytes;
-    Status status;
-    uint64_t given;
-};
-
 TEST(ClipFacts, SoundIsBigEndianAndEndsWhereItEnds) {
     constexpr uint64_t kAll = 5000, kMany = ~uint64_t{0};
-    constexpr SoundRead kReads[] = {
+    constexpr struct {
+        uint64_t first, wanted, bytes;
+        Status status;
+        uint64_t given;
+    } kReads[] = {
         {0, 100, 800, Status::Good, 100},
         {0, kAll, kAll * 8, Status::Good, kAll},
         {0, kAll + 10, kAll * 8 + 80, Status::Good, kAll},
@@ -102,7 +80,7 @@ TEST(ClipFacts, SoundIsBigEndianAndEndsWhereItEnds) {
     const TestFile file;
     WriteClip(file, SmallClip(), {NoisePicture(6, 4, 1)}, sound);
     const TestClip clip(file);
-    for (const SoundRead& read : kReads) {
+    for (const auto& read : kReads) {
         std::vector<uint8_t> out(kAll * 8 + 80, 0x5A);
         uint64_t count = read.wanted;
         const uint32_t status = Library().decode_audio(clip.Handle(), read.first, &count, out.data(), read.bytes);
@@ -125,15 +103,14 @@ constexpr struct {
     uint64_t frame;
     const char* text;
 } kTimecodes[] = {
-    {24, 1, false, 0, "00:00:00:00"},          {24000, 1001, false, 86412, "01:00:00:12"},
-    {24, 1, false, 86412, "01:00:00:12"},      {24, 1, false, 24 * 86400 - 1, "23:59:59:23"},
-    {24, 1, false, 24 * 86400, "00:00:00:00"}, {30000, 1001, false, 1800, "00:01:00:00"},
-    {25, 1, false, 25 * 60, "00:01:00:00"},    {30000, 1001, true, 17981, "00:09:59;29"},
-    {30000, 1001, true, 1799, "00:00:59;29"},  {30000, 1001, true, 17982, "00:10:00;00"},
-    {30000, 1001, true, 1800, "00:01:00;02"},  {30000, 1001, true, 107892, "01:00:00;00"},
-    {60000, 1001, true, 3599, "00:00:59;59"},  {30000, 1001, true, 2589407, "23:59:59;29"},
-    {60000, 1001, true, 3600, "00:01:00;04"},  {30000, 1001, true, 2589408, "00:00:00;00"},
-    {120, 1, false, 119, "00:00:00:119"},      {60000, 1001, true, 35964, "00:10:00;00"},
+    {24, 1, false, 24 * 86400 - 1, "23:59:59:23"},
+    {24, 1, false, 24 * 86400, "00:00:00:00"},
+    {24000, 1001, false, 86412, "01:00:00:12"},
+    {30000, 1001, false, 1800, "00:01:00:00"},
+    {30000, 1001, true, 1800, "00:01:00;02"},
+    {30000, 1001, true, 2589408, "00:00:00;00"},
+    {60000, 1001, true, 3600, "00:01:00;04"},
+    {120, 1, false, 119, "00:00:00:119"},
     {1, 4, false, 3, "00:00:03:00"},
 };
 
@@ -159,19 +136,6 @@ TEST(ClipFacts, DropFrameSkipsTheRightNumbersThroughAWholeDay) {
         }
         EXPECT_EQ(frame, FramesPerDay(rate));
     }
-}
-
-TEST(ClipFacts, TimecodeOfAFrameStartsWithTheClip) {
-    ClipDescription d = SmallClip();
-    d.rate_numerator = 30000;
-    d.drop_frame = true;
-    d.start_frame = 2589406;
-    const TestFile file;
-    WriteClip(file, d, {3, NoisePicture(6, 4, 1)});
-    const TestClip clip(file);
-    EXPECT_STREQ(Library().frame_timecode(clip.Handle(), 0), "23:59:59;28");
-    EXPECT_STREQ(Library().frame_timecode(clip.Handle(), 2), "00:00:00;00");
-    EXPECT_EQ(Library().frame_timecode(clip.Handle(), 3), nullptr);
 }
 
 }  // namespace

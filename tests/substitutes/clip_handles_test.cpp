@@ -11,8 +11,6 @@
 namespace clipfio::decoder::test {
 namespace {
 
-const DecoderLibrary& Library() { return DecoderLibrary::Get(); }
-
 // Everything that a handle without a clip must bear.
 void ExpectNoClip(uintptr_t handle) {
     EXPECT_NE(Library().clip_status(handle), 0u);
@@ -51,6 +49,16 @@ TEST(ClipHandles, WrongAndEndedHandlesDoNoHarm) {
         ExpectNoClip(handle);
         Library().destroy_clip(handle);
     }
+}
+
+TEST(ClipHandles, TheEndOfTheLibraryEndsClipsThatWereLeft) {
+    const TestFile file;
+    WriteClip(file, {.width = 2, .height = 2}, {NoisePicture(2, 2, 1)});
+    const TestClip left(file);
+    ASSERT_EQ(Library().clip_status(left.Handle()), 0u);
+    void (*const finalize)() = Symbol("RED_LIB_FINALIZE");
+    finalize();
+    EXPECT_EQ(Library().clip_status(left.Handle()), Number(Status::NoClip));
 }
 
 TEST(ClipHandles, AHandleIsLoadedClosedAndLoadedAgain) {

@@ -11,81 +11,47 @@
 #include "platform/process.h"
 #include "platform/result_file.h"
 #include "platform/text.h"
-#include "substitutes/decoder/file_access.h"
+#include "support/whole_file.h"
 
 namespace clipfio::decoder::test {
 namespace {
 
-template <class Function>
-void Bind(HMODULE module, const char* symbol, Function*& function) {
-    const FARPROC address = GetProcAddress(module, symbol);
-    if (address == nullptr) ADD_FAILURE() << symbol << " is missing";
-    function = reinterpret_cast<Function*>(reinterpret_cast<void*>(address));
-}
-
-// By its whole path: another library of that file name may have been loaded from elsewhere.
-WString LibraryPath() { return platform::Wide(CLIPFIO_SUBSTITUTE_DECODER "/REDR3D-x64.dll"); }
-
-DecoderLibrary LoadTheLibrary() {
-    DecoderLibrary l;
-    l.module = LoadLibraryW(LibraryPath().c_str());
-    if (l.module == nullptr) {
-        ADD_FAILURE() << "the decoder library is not there: error " << GetLastError();
-        std::abort();
-    }
-    Bind(l.module, "R3D_AAB", l.create_clip);
-    Bind(l.module, "R3D_AAA", l.destroy_clip);
-    Bind(l.module, "R3D_AAD", l.clip_status);
-    Bind(l.module, "R3D_AAE", l.load_clip);
-    Bind(l.module, "R3D_AAF", l.close_clip);
-    Bind(l.module, "R3D_AAI", l.decode_frame);
-    Bind(l.module, "R3D_AAK", l.decode_audio);
-    Bind(l.module, "R3D_AAO", l.get_clip_settings);
-    Bind(l.module, "R3D_AAV", l.clip_width);
-    Bind(l.module, "R3D_AAW", l.clip_height);
-    Bind(l.module, "R3D_AAX", l.clip_frame_count);
-    Bind(l.module, "R3D_ABB", l.clip_frame_rate);
-    Bind(l.module, "R3D_AAZ", l.audio_block_info);
-    Bind(l.module, "R3D_ABA", l.audio_sample_count);
-    Bind(l.module, "R3D_ABD", l.frame_timecode);
-    Bind(l.module, "R3D_ABK", l.get_metadata_number);
-    return l;
-}
-
 template <class Sample>
 std::vector<Sample> Decode(uintptr_t clip, uint64_t frame, DecodeMode mode, const DecodeSettingsRecord& look,
                            PixelType type, uint64_t samples_per_pixel) {
-    const DecoderLibrary& library = DecoderLibrary::Get();
-    const uint64_t width = library.clip_width(clip) / DivisorOf(mode),
-                   height = library.clip_height(clip) / DivisorOf(mode);
+    const uint64_t width = Library().clip_width(clip) / DivisorOf(mode);
+    const uint64_t height = Library().clip_height(clip) / DivisorOf(mode);
     std::vector<Sample> out(width * height * samples_per_pixel);
     const VideoDecodeJob job = JobOf(out.data(), width, height, type, look, mode);
-    if (library.decode_frame(clip, frame, &job) != Number(Status::Good)) out.clear();
+    if (Library().decode_frame(clip, frame, &job) != Number(Status::Good)) out.clear();
     return out;
 }
 
 }  // namespace
 
+Symbol::Symbol(const char* name) {
+    // By its whole path: another library of that file name may have been loaded from elsewhere.
+    static const HMODULE library = LoadLibraryW(platform::Wide(CLIPFIO_SUBSTITUTE_DECODER "/REDR3D-x64.dll").c_str());
+    address = library ? GetProcAddress(library, name) : nullptr;
+    if (!address) ADD_FAILURE() << name << " is not there: error " << GetLastError();
+}
+
 const DecoderLibrary& DecoderLibrary::Get() {
-    static const DecoderLibrary library = LoadTheLibrary();
+    static const DecoderLibrary library;
     return library;
 }
 
 std::string TestFile::Utf8() const { return platform::Utf8(path_); }
 
 std::vector<uint8_t> TestFile::Bytes() const {
-    InputFile file;
-    if (!file.Open(path_)) return {};
-    std::vector<uint8_t> bytes(file.Size());
-    bytes.resize(file.ReadAt(0, bytes.data(), bytes.size()));
-    return bytes;
+    const std::string bytes = support::ReadWhole(path_.c_str());
+    return {bytes.begin(), bytes.end()};
 }
 
 void TestFile::Write(const std::vector<uint8_t>& bytes) const {
     // A file system may wait for the disk when a file is cut to nothing and written anew.
     DeleteFileW(path_.c_str());
-    OutputFile file;
-    ASSERT_TRUE(file.Create(path_) && file.Write(bytes.data(), bytes.size()) && file.Close());
+    support::WriteWhole(path_.c_str(), {reinterpret_cast<const char*>(bytes.data()), bytes.size()});
 }
 
 std::vector<uint16_t> TestClip::Rgb16(uint64_t frame, DecodeMode mode, const DecodeSettingsRecord& look) const {
@@ -137,6 +103,7 @@ std::vector<uint16_t> NoisePicture(uint32_t width, uint32_t height, uint32_t see
     std::mt19937 random(seed);
     std::vector<uint16_t> picture(size_t{width} * height * 3);
     for (uint16_t& sample : picture) sample = static_cast<uint16_t>(random());
+    picture[0] = 0, picture[1] = 65535;
     return picture;
 }
 

@@ -13,28 +13,39 @@
 
 namespace clipfio::decoder::test {
 
+// A function of the library, by its name.
+struct Symbol {
+    explicit Symbol(const char* name);
+    template <class Function>
+    operator Function*() const {
+        return reinterpret_cast<Function*>(reinterpret_cast<void*>(address));
+    }
+    FARPROC address;
+};
+
 // The library's operations. Loaded at the first use, for the life of the process.
 struct DecoderLibrary {
     static const DecoderLibrary& Get();
 
-    HMODULE module = nullptr;
-    uintptr_t (*create_clip)() = nullptr;
-    void (*destroy_clip)(uintptr_t) = nullptr;
-    uint32_t (*clip_status)(uintptr_t) = nullptr;
-    uint32_t (*load_clip)(uintptr_t, const char*) = nullptr;
-    void (*close_clip)(uintptr_t) = nullptr;
-    uint32_t (*decode_frame)(uintptr_t, uint64_t, const VideoDecodeJob*) = nullptr;
-    uint32_t (*decode_audio)(uintptr_t, uint64_t, uint64_t*, void*, uint64_t) = nullptr;
-    void (*get_clip_settings)(uintptr_t, DecodeSettingsRecord*) = nullptr;
-    uint64_t (*clip_width)(uintptr_t) = nullptr;
-    uint64_t (*clip_height)(uintptr_t) = nullptr;
-    uint64_t (*clip_frame_count)(uintptr_t) = nullptr;
-    float (*clip_frame_rate)(uintptr_t) = nullptr;
-    uint64_t (*audio_block_info)(uintptr_t, uint64_t*) = nullptr;
-    uint64_t (*audio_sample_count)(uintptr_t) = nullptr;
-    const char* (*frame_timecode)(uintptr_t, uint64_t) = nullptr;
-    uint32_t (*get_metadata_number)(uintptr_t, const char*) = nullptr;
+    uintptr_t (*create_clip)() = Symbol("R3D_AAB");
+    void (*destroy_clip)(uintptr_t) = Symbol("R3D_AAA");
+    uint32_t (*clip_status)(uintptr_t) = Symbol("R3D_AAD");
+    uint32_t (*load_clip)(uintptr_t, const char*) = Symbol("R3D_AAE");
+    void (*close_clip)(uintptr_t) = Symbol("R3D_AAF");
+    uint32_t (*decode_frame)(uintptr_t, uint64_t, const VideoDecodeJob*) = Symbol("R3D_AAI");
+    uint32_t (*decode_audio)(uintptr_t, uint64_t, uint64_t*, void*, uint64_t) = Symbol("R3D_AAK");
+    void (*get_clip_settings)(uintptr_t, DecodeSettingsRecord*) = Symbol("R3D_AAO");
+    uint64_t (*clip_width)(uintptr_t) = Symbol("R3D_AAV");
+    uint64_t (*clip_height)(uintptr_t) = Symbol("R3D_AAW");
+    uint64_t (*clip_frame_count)(uintptr_t) = Symbol("R3D_AAX");
+    float (*clip_frame_rate)(uintptr_t) = Symbol("R3D_ABB");
+    uint64_t (*audio_block_info)(uintptr_t, uint64_t*) = Symbol("R3D_AAZ");
+    uint64_t (*audio_sample_count)(uintptr_t) = Symbol("R3D_ABA");
+    const char* (*frame_timecode)(uintptr_t, uint64_t) = Symbol("R3D_ABD");
+    uint32_t (*get_metadata_number)(uintptr_t, const char*) = Symbol("R3D_ABK");
 };
+
+inline const DecoderLibrary& Library() { return DecoderLibrary::Get(); }
 
 constexpr uint32_t Number(Status status) { return static_cast<uint32_t>(status); }
 

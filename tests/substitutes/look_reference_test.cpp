@@ -92,29 +92,18 @@ TEST(LookReference, FastPicturesAreTheSlowOnes) {
     }
 }
 
-TEST(LookReference, PlacesOnTheScaleOfLightGoBothWays) {
-    for (const float light : {0.0f, 1e-6f, 0.001f, 0.18f, 1.0f, 17.3f, 255.0f}) {
-        EXPECT_NEAR(PlaceLight(LightPlace(light)), light, 1e-9 + light * 1e-6);
-    }
-    for (const float black : {-0.0f, -1e-9f, -1.0f, -1e30f}) EXPECT_EQ(LightPlace(black), 0) << black;
-    for (const float white : {256.0f, 1e6f, 1e30f})
-        EXPECT_EQ(LightPlace(white) >> kStepShift, kLightSteps - 1) << white;
-}
-
-struct CurvePoint {
-    uint32_t curve;
-    double light, signal;
-};
-
 TEST(LookReference, GammaCurvesMeetTheirPublishedPoints) {
-    constexpr CurvePoint kPoints[] = {
+    constexpr struct {
+        uint32_t curve;
+        double light, signal;
+    } kPoints[] = {
         {0, 0.5, 0.5},           {1, 0.018, 0.081},        {1, 0.5, 0.705436},      {1, 1.0, 1.0},
         {8, 0.002, 0.02584},     {8, 0.5, 0.735357},       {15, 0.5, 0.749154},     {14, 1.0, 0.508078},  // 100 candela
         {14, 10.0, 0.751827},    {14, 100.0, 1.0},         {16, 0.0, 0.0},          {16, 0.18, 1.0 / 3.0},
         {18, 0.0, 0.091551},     {18, 0.18, 1.0 / 3.0},    {4, 0.0, 95.0 / 1023.0}, {4, 1.0, 685.0 / 1023.0},
         {5, 0.0, 95.0 / 1023.0}, {5, 1.0, 985.0 / 1023.0}, {6, 0.0, 64.0 / 1023.0}, {6, 1.0, 940.0 / 1023.0},
     };
-    for (const CurvePoint& point : kPoints) {
+    for (const auto& point : kPoints) {
         R settings;
         settings.imageGammaCurve = point.curve;
         settings.pdLogBlackPoint = 64;
@@ -154,8 +143,7 @@ TEST(LookReference, WhiteBalanceKeepsTheLightOfGrey) {
 
 // One stop is twice the light, whichever setting it comes from.
 TEST(LookReference, AStopIsAStop) {
-    R base = NeutralLook();
-    R exposure = base, iso = base, gain = base;
+    R exposure, iso, gain;
     exposure.exposureCompensation = 1.0f;
     iso.imageIso = 640;
     gain.gainRed = gain.gainGreen = gain.gainBlue = 2.0f;
@@ -164,14 +152,12 @@ TEST(LookReference, AStopIsAStop) {
     }
 }
 
-struct CurveCase {
-    const char* name;
-    UserCurvePoints points;
-    bool straight;
-};
-
 TEST(LookReference, ToneCurvesGoThroughTheirPointsAndNeverTurnBack) {
-    const CurveCase kCases[] = {
+    const struct {
+        const char* name;
+        UserCurvePoints points;
+        bool straight;
+    } kCases[] = {
         {"default", {}, true},
         {"on the line", {{0, 0, 0.1f, 0.1f, 0.5f, 0.5f, 0.6f, 0.6f, 1, 1}}, true},
         {"S", {{0, 0, 0.25f, 0.15f, 0.5f, 0.5f, 0.75f, 0.85f, 1, 1}}, false},
@@ -179,7 +165,7 @@ TEST(LookReference, ToneCurvesGoThroughTheirPointsAndNeverTurnBack) {
         {"steep", {{0, 0, 0.49f, 0.01f, 0.5f, 0.5f, 0.51f, 0.99f, 1, 1}}, false},
         {"ends inside", {{0.2f, 0.1f, 0.3f, 0.2f, 0.5f, 0.5f, 0.6f, 0.7f, 0.8f, 0.9f}}, false},
     };
-    for (const CurveCase& test : kCases) {
+    for (const auto& test : kCases) {
         const ToneCurve curve(test.points);
         EXPECT_EQ(curve.IsStraight(), test.straight) << test.name;
         for (size_t i = 0; i < 10; i += 2) {

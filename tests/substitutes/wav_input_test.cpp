@@ -24,6 +24,10 @@ struct Wav {
     uint32_t data_size = 0xFFFFFFFE;  // this one: as long as the data
     std::string data;
 
+    void With(uint16_t bits_, uint16_t block_, std::string data_) {
+        bits = bits_, block = block_, data = std::move(data_);
+    }
+
     template <class T>
     static std::string Bytes(T value) {
         std::string text(sizeof value, '\0');
@@ -53,13 +57,6 @@ std::vector<int32_t> ReadAll(WavInput& input) {
     return all;
 }
 
-struct GoodWav {
-    const char* name;
-    std::function<void(Wav&)> change;
-    uint32_t sample_size;
-    std::vector<int32_t> sound;
-};
-
 TEST(WavInput, EveryLayoutIsReadAtFullScale) {
     const std::string sixteen = {"\x01\x00\xFF\x7F\x00\x80\xFE\xFF", 8};
     const std::vector<int32_t> sixteen_sound = {0x10000, 0x7FFF0000, INT32_MIN, -0x20000};
@@ -70,17 +67,22 @@ TEST(WavInput, EveryLayoutIsReadAtFullScale) {
         for (const float value : values) text += Wav::Bytes(value);
         return text;
     };
-    const GoodWav kGood[] = {
+    const struct {
+        const char* name;
+        std::function<void(Wav&)> change;
+        uint32_t sample_size;
+        std::vector<int32_t> sound;
+    } kGood[] = {
         {"16 bits", [&](Wav& w) { w.data = sixteen; }, 16, sixteen_sound},
         {"24 bits",
          [](Wav& w) {
-             w.bits = 24, w.block = 6, w.data = {"\x01\x02\x03\xFF\xFF\xFF", 6};
+             w.With(24, 6, {"\x01\x02\x03\xFF\xFF\xFF", 6});
          },
          24,
          {0x03020100, -0x100}},
         {"32 bits",
          [](Wav& w) {
-             w.bits = 32, w.block = 8, w.data = {"\x04\x03\x02\x01\x00\x00\x00\x80", 8};
+             w.With(32, 8, {"\4\3\2\1\0\0\0\x80", 8});
          },
          32,
          {0x01020304, INT32_MIN}},
@@ -114,7 +116,7 @@ TEST(WavInput, EveryLayoutIsReadAtFullScale) {
          16, sixteen_sound},
         {"empty", [](Wav&) {}, 16, {}},
     };
-    for (const GoodWav& good : kGood) {
+    for (const auto& good : kGood) {
         Wav wav;
         good.change(wav);
         const TestFile file(".wav");
@@ -129,13 +131,11 @@ TEST(WavInput, EveryLayoutIsReadAtFullScale) {
     }
 }
 
-struct BadWav {
-    const char* part_of_error;
-    std::function<void(Wav&)> change;
-};
-
 TEST(WavInput, WhatIsNoSoundIsRefusedWithAReason) {
-    const BadWav kBad[] = {
+    const struct {
+        const char* part_of_error;
+        void (*change)(Wav&);
+    } kBad[] = {
         {"RIFF", [](Wav& w) { w.riff = "RIFX"; }},
         {"neither PCM nor float", [](Wav& w) { w.tag = 2; }},
         {"neither PCM nor float", [](Wav& w) { w.tag = 0xFFFE; }},
@@ -157,7 +157,7 @@ TEST(WavInput, WhatIsNoSoundIsRefusedWithAReason) {
     };
     const TestFile file(".wav");
     WavInput input;
-    for (const BadWav& bad : kBad) {
+    for (const auto& bad : kBad) {
         Wav wav;
         bad.change(wav);
         file.Write(wav.Make());
