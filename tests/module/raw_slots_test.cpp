@@ -1,5 +1,6 @@
 // The slots of the interfaces between host and module, called by their numbers in the objects' tables with plain
-// function pointers, as a host does that was built without our headers; and the ids as they lie in memory.
+// function pointers, as a host does that was built without our headers. What such a host in C finds of ids, records and
+// pictures (tests/contract) stands there alone.
 #include <cstring>
 
 #include "reader/plugin_exports.h"
@@ -36,14 +37,6 @@ Value At(const void* record, std::size_t offset) {
     Value value;
     std::memcpy(&value, static_cast<const char*>(record) + offset, sizeof value);
     return value;
-}
-
-std::string Hex(const void* id) {
-    std::string text;
-    for (int i = 0; i < 16; ++i) {
-        for (const int shift : {4, 0}) text += "0123456789ABCDEF"[static_cast<const uint8_t*>(id)[i] >> shift & 15];
-    }
-    return text;
 }
 
 class RawSlots : public ReaderTest {
@@ -88,9 +81,6 @@ class RawSlots : public ReaderTest {
         uint32_t told = 9;
         EXPECT_EQ(Call(stream, 6, &told, nullptr, nullptr), S_OK);
         EXPECT_EQ(told, kind);
-        uint32_t rest[2] = {9, 9};
-        EXPECT_EQ(Call(stream, 6, nullptr, rest, rest + 1), S_OK);
-        EXPECT_EQ(rest[0] + rest[1], 0u);
         EXPECT_EQ(Written<int64_t>(stream, 7), 100000000);
         EXPECT_EQ(Written<int64_t>(stream, 8), 0);
         EXPECT_EQ(Call(stream, 9, 5u), S_OK);
@@ -101,24 +91,6 @@ class RawSlots : public ReaderTest {
     const support::TempFile path_{".r3d"};
     void* file_ = nullptr;
 };
-
-TEST(RawIds, LieInMemoryAsTheHostHasThem) {
-    const std::pair<IID, const char*> kIds[] = {
-        {CLSID_KtReadFileClass, "8BB314E56131484FBA6A00AA006BA2BA"},
-        {CLSID_KtUnsharedFIOPluginInfo, "7289E4F65B515E4AB316A46A03C9C3C0"},
-        {IID_IUnknown, "0000000000000000C000000000000046"},
-        {IID_IClassFactory, "0100000000000000C000000000000046"},
-        {IID_IKtReadFileClass, "F147F6EEAB02CD4FB06EA501AEFF2D34"},
-        {IID_IKtReadFile, "E38F4508B809254C8B42FA7A460DFC47"},
-        {IID_IKtFileIOMediaProperties, "8BA965F6E4ADCD42ABB9C69742C7E673"},
-        {IID_IKtReadStream, "411CFD602578D311A48300105A24AA37"},
-        {IID_IKtReadVideoStream, "3C6FE8D82F4C3C40AC5B43F02AF1B427"},
-        {IID_IKtReadAudioStream, "A82E366E73F46741B85F074EAB3290CE"},
-        {IID_IKtReadMeta, "E12014008C93D311A48300105A24AA37"},
-        {IID_IKtUnsharedFIOPluginInfo, "A7184E4088C299448E4233FECFA1642C"},
-    };
-    for (const auto& [id, bytes] : kIds) EXPECT_EQ(Hex(&id), bytes);
-}
 
 TEST_F(RawSlots, ClassFactory) {
     void* factory = nullptr;
@@ -132,36 +104,26 @@ TEST_F(RawSlots, ClassFactory) {
     EXPECT_EQ(Call<ULONG>(factory, 2), 0u);
 
     ExpectInterfaces(info, {IID_IKtUnsharedFIOPluginInfo, IID_IUnknown}, false);
-    ExpectCounted(info, 1);
     ExpectEach(info, {4}, E_INVALIDARG);
-    EXPECT_EQ(Call(info, 3), S_OK);
-    EXPECT_EQ(Written<uint32_t>(info, 4), 1u);
     int32_t* const none = nullptr;
     EXPECT_EQ(Call(info, 5, 0u, nullptr, nullptr, 0, none, none, none, none, none, none, uint64_t{0}, none), S_OK);
     uint8_t id[16];
     WCHAR name[20];
-    int32_t n[7] = {77};
+    int32_t number = 77;
+    int32_t* const n = &number;
     EXPECT_EQ(Call(info, 5, 1u, id, name, 20, n, n, n, n, n, n, uint64_t{0}, n), E_INVALIDARG);
-    EXPECT_EQ(n[0], 77);
-    EXPECT_EQ(Call(info, 5, 0u, id, name, 20, n, n + 1, n + 2, n + 3, n + 4, n + 5, uint64_t{0}, n + 6), S_OK);
-    EXPECT_EQ(Hex(id), "8BB314E56131484FBA6A00AA006BA2BA");
-    EXPECT_EQ(WStringView(name), W("Red R3D Format"));
-    EXPECT_EQ(std::vector<int32_t>(n, n + 7), (std::vector<int32_t>{16, 3, -1, -1, -1, -1, 2}));
+    EXPECT_EQ(number, 77);
     EXPECT_EQ(Call<ULONG>(info, 2), 0u);
 }
 
 TEST_F(RawSlots, FileClass) {
     void* const object = file_class_.Get();
     ExpectInterfaces(object, {IID_IKtReadFileClass, IID_IUnknown}, false);
-    ExpectCounted(object, 1);
     EXPECT_EQ(Written<uint32_t>(object, 4), 0xFFFFFFFFu);
     EXPECT_EQ(Call(object, 3, 5u), S_OK);
     EXPECT_EQ(Written<uint32_t>(object, 4), 5u);
     EXPECT_EQ(Call(object, 5, nullptr), S_OK);
     EXPECT_EQ(Written<void*>(object, 6), nullptr);
-    const GUID format = Written<GUID>(object, 7);
-    EXPECT_EQ(Hex(&format), "C4E599BF74F84A499CC98054326F582B");
-    EXPECT_EQ(Written<uint32_t>(object, 8), 3u);
     EXPECT_EQ(Written<uint32_t>(object, 9), 0u);
     BSTR text = nullptr;
     const uint32_t string_id = 4;
@@ -176,18 +138,11 @@ TEST_F(RawSlots, FileClass) {
     EXPECT_EQ(Call(object, 16), S_OK);
     EXPECT_EQ(Call(object, 17, nullptr), S_OK);
     ExpectEach(object, {4, 6, 7, 8, 9, 19}, E_INVALIDARG);
-    ExpectEach(object, {10, 14, 18}, E_NOTIMPL);
 }
 
 TEST_F(RawSlots, File) {
     ExpectInterfaces(file_, {IID_IKtReadFile, IID_IUnknown}, false);
-    ExpectCounted(file_, 1);
     EXPECT_EQ(Given(file_, 3), file_class_.Get());
-    WCHAR text[300];
-    EXPECT_EQ(Call(file_, 4, text, 300, 1u), S_OK);
-    EXPECT_EQ(WStringView(text), W("RED Raw (R3D)"));
-    EXPECT_EQ(Call(file_, 5, text, 300, 0, 2u), S_OK);
-    EXPECT_EQ(WStringView(text), W("64x48x48"));
     uint64_t value = 0;
     EXPECT_EQ(Call(file_, 6, &value, 3u, 1u), S_FALSE);
     EXPECT_EQ(Call(file_, 7, &value, 4u, 1, 1u), S_OK);
@@ -198,15 +153,12 @@ TEST_F(RawSlots, File) {
     EXPECT_EQ(Call(file_, 10), S_FALSE);
     EXPECT_EQ(Call(file_, 11, 0u, 0u), S_OK);
     EXPECT_EQ(Call(file_, 12, path_.Path()), S_OK);
+    WCHAR text[300];
     EXPECT_EQ(Call(file_, 13, text, 300), S_OK);
     EXPECT_EQ(WStringView(text), path_.Path());
     EXPECT_EQ(Written<uint64_t>(file_, 14), 100000000u);
     EXPECT_EQ(Written<int32_t>(file_, 15), 2);
     EXPECT_EQ(Written<int32_t>(file_, 16), 3);
-    uint8_t infos[2][184] = {};
-    EXPECT_EQ(Call(file_, 17, infos, 0, 2), S_OK);
-    EXPECT_EQ(At<uint32_t>(infos[0], 92), 64u);
-    EXPECT_EQ(At<uint64_t>(infos[1], 8), 480000u);
     uint32_t kind = 9, second = 9;
     EXPECT_EQ(Call(file_, 18, 1, &kind, &second), S_OK);
     EXPECT_EQ(kind, 1u);
@@ -258,21 +210,12 @@ TEST_F(RawSlots, VideoStream) {
     EXPECT_EQ(At<uint16_t>(info, 102), 32);
     EXPECT_EQ(Call(video, 14, info), S_OK);
     const auto request = Request(128, 0.5);
-    uint32_t told = 0;
-    EXPECT_EQ(Call(video, 15, uint64_t{7}, &request, &told), S_OK);
-    EXPECT_EQ(told, 32u * 24 * 16);
-    std::vector<uint8_t> memory(told);
-    const auto token = TokenOf(memory.data(), memory.size());
     uint8_t frame_info[216];
-    told = 0;
-    EXPECT_EQ(Call(video, 17, uint64_t{7}, &request, &token, frame_info, &told), S_OK);
-    EXPECT_EQ(told, 32u * 24 * 16);
     EXPECT_EQ(Call(video, 16, uint64_t{7}, &request, frame_info), S_OK);
     EXPECT_EQ(At<uint64_t>(frame_info, 0), 7u);
     EXPECT_EQ(At<uint32_t>(frame_info, 24), 32u * 24 * 16);
     EXPECT_EQ(At<uint32_t>(frame_info, 116), 32u * 24 * 16);
-    ExpectEach(video, {18, 19}, E_NOTIMPL);
-    EXPECT_EQ(Written<double>(video, 21), 1.0);
+    EXPECT_EQ(Call(video, 19), E_NOTIMPL);
     EXPECT_EQ(Call(video, 20, 0.75), S_OK);
     EXPECT_EQ(Written<double>(video, 21), 0.75);
     EXPECT_EQ(Written<double>(video, 22), 24.0);
@@ -310,11 +253,6 @@ TEST_F(RawSlots, AudioStream) {
     EXPECT_EQ(At<uint32_t>(info, 92), 0u);
     EXPECT_EQ(At<uint16_t>(info, 112), 0x30);
     EXPECT_EQ(Call(audio, 15, info), S_OK);
-    float samples[64] = {};
-    const auto token = TokenOf(samples, sizeof samples);
-    int32_t read = 0;
-    EXPECT_EQ(Call(audio, 16, int64_t{1000}, &token, 32, &read), S_OK);
-    EXPECT_EQ(read, 32);
     ExpectEach(audio, {17, 18}, E_NOTIMPL);
     ExpectEach(audio, {20, 21, 22}, S_OK);
     ExpectEach(audio, {15}, E_INVALIDARG);
@@ -326,10 +264,7 @@ TEST_F(RawSlots, Meta) {
     void* const meta = Written<void*>(file_, 22);
     ExpectInterfaces(meta, {IID_IKtReadMeta, IID_IUnknown}, false);
     ExpectCounted(meta, 2);
-    ExpectEach(meta, {3, 4, 5, 7}, E_NOTIMPL);
-    WCHAR text[40];
-    EXPECT_EQ(Call(meta, 6, 0x444F4354u, text, 40), S_OK);
-    EXPECT_EQ(WStringView(text), W("36005000000"));
+    for (const int slot : {4, 5, 7}) EXPECT_EQ(Call(meta, slot), E_NOTIMPL) << slot;
     // The second table of the object is not answered to and works.
     void* generic = static_cast<char*>(meta) + sizeof(void*);
     for (const int slot : {3, 4}) EXPECT_EQ(Call(generic, slot), E_NOTIMPL) << slot;
