@@ -6,7 +6,6 @@
 #include <string>
 
 #include "support/fail_each.h"
-#include "support/last_error.h"
 #include "support/pictures.h"
 #include "support/temp_file.h"
 #include "support/whole_file.h"
@@ -55,38 +54,29 @@ Shown LoadBitmapFile(const std::string& bytes, UINT flags = 0) {
 
 TEST(Images, AreReadInEveryDepth) {
     using namespace std::string_literals;
-    const std::string two = Doubles({kRed, kGreen});
-    const std::vector<uint32_t> colors = {kRed, kGreen, kBlue, kWhite};
+    const std::string two = Doubles({kRed, kGreen}), masks_16 = Doubles({0xF800, 0x07E0, 0x001F}),
+                      masks_32 = Doubles({0xFF, 0xFF00, 0xFF0000});
+    const std::vector<uint32_t> colors = {kRed, kGreen, kBlue, kWhite}, crossed = {kRed, kGreen, kGreen, kRed};
     struct {
         const char* name;
         std::string file;
         std::vector<uint32_t> pixels;  // two rows of two
     } const kRows[] = {
-        {"1", File(InfoHeader(2, 2, 1) + two, "\x80\0\0\0\x40\0\0\0"s), {kRed, kGreen, kGreen, kRed}},
+        {"1", File(InfoHeader(2, 2, 1) + two, "\x80\0\0\0\x40\0\0\0"s), crossed},
         {"4", File(InfoHeader(2, 2, 4, 0, 5) + kPalette, "\x34\0\0\0\x12\0\0\0"s), colors},
         {"8", File(InfoHeader(2, 2, 8, 0, 5) + kPalette, "\3\4\0\0\1\2\0\0"s), colors},
-        {"8 past the palette",
-         File(InfoHeader(2, 2, 8, 0, 2) + two, "\7\1\0\0\0\1\0\0"s),
-         {kRed, kGreen, kBlack, kGreen}},
-        {"16",
-         File(InfoHeader(2, 2, 16), Little(0x7FFF'001F, 4) + Little(0x03E0'7C00, 4)),
-         {kRed, kGreen, kBlue, kWhite}},
+        {"8 past it", File(InfoHeader(2, 2, 8, 0, 2) + two, "\7\1\0\0\0\1\0\0"s), {kRed, kGreen, kBlack, kGreen}},
+        {"16", File(InfoHeader(2, 2, 16), Doubles({0x7FFF'001F, 0x03E0'7C00})), colors},
         {"24", File(InfoHeader(2, 2, 24), "\xFF\0\0\xFF\xFF\xFF\0\0\0\0\xFF\0\xFF\0\0\0"s), colors},
         {"24, top first", File(InfoHeader(2, -2, 24), "\0\0\xFF\0\xFF\0\0\0\xFF\0\0\xFF\xFF\xFF\0\0"s), colors},
         {"24, old", File(CoreHeader(2, 2, 24), "\xFF\0\0\xFF\xFF\xFF\0\0\0\0\xFF\0\xFF\0\0\0"s), colors},
-        {"1, old",
-         File(CoreHeader(2, 2, 1) + "\0\0\xFF\0\xFF\0"s, "\x80\0\0\0\x40\0\0\0"s),
-         {kRed, kGreen, kGreen, kRed}},
+        {"1, old", File(CoreHeader(2, 2, 1) + "\0\0\xFF\0\xFF\0"s, "\x80\0\0\0\x40\0\0\0"s), crossed},
         {"32", File(InfoHeader(2, 2, 32), Doubles({kBlue, kWhite, kRed, kGreen})), colors},
-        {"16 by masks",
-         File(InfoHeader(2, 2, 16, 3) + Doubles({0xF800, 0x07E0, 0x001F}), Doubles({0xFFFF'001F, 0x07E0'F800})),
-         colors},
-        {"32 by masks",
-         File(InfoHeader(2, 2, 32, 3) + Doubles({0xFF, 0xFF00, 0xFF0000}), Doubles({kRed, kWhite, kBlue, kGreen})),
-         colors},
+        {"16 by masks", File(InfoHeader(2, 2, 16, 3) + masks_16, Doubles({0xFFFF'001F, 0x07E0'F800})), colors},
+        {"32 by masks", File(InfoHeader(2, 2, 32, 3) + masks_32, Doubles({kRed, kWhite, kBlue, kGreen})), colors},
         {"runs of 8", File(InfoHeader(2, 2, 8, 1, 5) + kPalette, "\1\3\1\4\0\0\1\1\1\2\0\1"s), colors},
         {"runs of 8, as they are", File(InfoHeader(4, 1, 8, 1, 5) + kPalette, "\0\3\1\2\3\0\1\4\0\1"s), colors},
-        {"runs of 8, a step",
+        {"a step",
          File(InfoHeader(2, 2, 8, 1, 5) + kPalette, "\2\4\0\2\0\0\0\0\2\1\0\1"s),
          {kRed, kRed, kWhite, kWhite}},
         {"runs of 4", File(InfoHeader(2, 2, 4, 2, 5) + kPalette, "\2\x34\0\0\2\x12\0\1"s), colors},
@@ -131,10 +121,8 @@ TEST(Images, DamagedOnesAreRefused) {
         EXPECT_EQ(LoadFile(file, IMAGE_CURSOR), nullptr);
     }
     EXPECT_EQ(LoadImageW(nullptr, W("no such file"), IMAGE_BITMAP, 0, 0, LR_LOADFROMFILE), nullptr);
-    EXPECT_FALSE(DestroyIcon(nullptr));
-    EXPECT_FALSE(DeleteObject(nullptr));
     ICONINFO info{};
-    EXPECT_FALSE(GetIconInfo(nullptr, &info));
+    EXPECT_FALSE(DestroyIcon(nullptr) || DeleteObject(nullptr) || GetIconInfo(nullptr, &info));
 }
 
 // Two by two, of one color, whose lower left pixel lets through.
@@ -152,73 +140,41 @@ TEST(Images, IconFilesGiveTheNearestInSizeAndDepth) {
     const std::string file = Doubles({0x00010000}) + Little(3, 2) + DirectoryRow(2, 32, red.size(), first) +
                              DirectoryRow(48, 4, red.size(), first) + DirectoryRow(48, 32, green.size(), second) + red +
                              green;
-    const auto load = [&](int side) {
+    const std::pair<int, uint32_t> kRows[] = {{2, kRed}, {20, kRed}, {30, kGreen}, {48, kGreen}, {200, kGreen}};
+    for (const auto& [side, color] : kRows) {
         const auto icon = static_cast<HICON>(LoadFile(file, IMAGE_ICON, side));
         const ShownIcon shown = Show(icon);
         EXPECT_TRUE(DestroyIcon(icon));
-        return shown;
-    };
-    const ShownIcon small = load(2);
-    EXPECT_EQ(small.color.pixels.front(), kRed);
-    EXPECT_EQ(small.mask, (Shown{2, 2, {kBlack, kBlack, kWhite, kBlack}}));
-    EXPECT_EQ(small.hot_x, 1u);
-    const ShownIcon large = load(48);
-    EXPECT_EQ(large.color.width, 48);
-    EXPECT_EQ(large.color.pixels.front(), kGreen);
+        EXPECT_EQ(shown.color.width, side);
+        ASSERT_FALSE(shown.color.pixels.empty());
+        EXPECT_EQ(shown.color.pixels.front(), color) << side;
+        EXPECT_EQ(shown.hot_x, static_cast<DWORD>(side / 2));
+        EXPECT_TRUE(side != 2 || shown.mask == (Shown{2, 2, {kBlack, kBlack, kWhite, kBlack}}));
+    }
 }
 
 TEST(Images, IconsComeOutOfBytes) {
-    std::string bytes = IconBytes(0xFF000000 | kBlue);
-    auto* at = reinterpret_cast<BYTE*>(bytes.data());
-    const auto size = static_cast<DWORD>(bytes.size());
-    const HICON icon = CreateIconFromResourceEx(at, size, TRUE, 0x30000, 0, 0, 0);
-    EXPECT_EQ(Show(icon).color.width, 2);
-    EXPECT_EQ(Show(icon).color.pixels.front(), kBlue);
-    EXPECT_TRUE(DestroyIcon(icon));
-    EXPECT_EQ(CreateIconFromResourceEx(at, 20, TRUE, 0x30000, 0, 0, 0), nullptr);
-    std::string cursor = Little(1, 2) + Little(0, 2) + bytes;
-    const HCURSOR made = CreateIconFromResourceEx(reinterpret_cast<BYTE*>(cursor.data()),
-                                                  static_cast<DWORD>(cursor.size()), FALSE, 0x30000, 0, 0, 0);
+    const auto create = [](std::string bytes, BOOL icon = TRUE) {
+        return CreateIconFromResourceEx(reinterpret_cast<BYTE*>(bytes.data()), static_cast<DWORD>(bytes.size()), icon,
+                                        0x30000, 0, 0, 0);
+    };
+    const std::string bytes = IconBytes(0xFF000000 | kBlue);
+    EXPECT_EQ(create(bytes.substr(0, 20)), nullptr);
+    const HCURSOR made = create(Little(1, 4) + bytes, FALSE);
     EXPECT_EQ(Show(made).hot_x, 1u);
     EXPECT_EQ(Show(made).hot_y, 0u);
     EXPECT_TRUE(DestroyCursor(made));
 
     // A red PNG of one pixel, half covered.
-    static constexpr BYTE kPng[] = {0x89, 0x50, 0x4E, 0x47, 0x0D, 0x0A, 0x1A, 0x0A, 0x00, 0x00, 0x00, 0x0D, 0x49, 0x48,
-                                    0x44, 0x52, 0x00, 0x00, 0x00, 0x01, 0x00, 0x00, 0x00, 0x01, 0x08, 0x06, 0x00, 0x00,
-                                    0x00, 0x1F, 0x15, 0xC4, 0x89, 0x00, 0x00, 0x00, 0x0D, 0x49, 0x44, 0x41, 0x54, 0x78,
-                                    0x9C, 0x63, 0xF8, 0xCF, 0xC0, 0xD0, 0x00, 0x00, 0x04, 0x81, 0x01, 0x80, 0x2C, 0x55,
-                                    0xCE, 0xB0, 0x00, 0x00, 0x00, 0x00, 0x49, 0x45, 0x4E, 0x44, 0xAE, 0x42, 0x60, 0x82};
-    std::vector<BYTE> png(std::begin(kPng), std::end(kPng));
-    const HICON from_png = CreateIconFromResourceEx(png.data(), sizeof kPng, TRUE, 0x30000, 0, 0, 0);
+    using namespace std::string_literals;
+    std::string png =
+        "\x89PNG\r\n\x1A\n\0\0\0\x0DIHDR\0\0\0\1\0\0\0\1\x08\6\0\0\0\x1F\x15\xC4\x89\0\0\0\x0D"
+        "IDAT\x78\x9C\x63\xF8\xCF\xC0\xD0\0\0\4\x81\1\x80\x2C\x55\xCE\xB0\0\0\0\0IEND\xAE\x42\x60\x82"s;
+    const HICON from_png = create(png);
     EXPECT_EQ(Show(from_png).color, (Shown{1, 1, {kRed}}));
     EXPECT_TRUE(DestroyIcon(from_png));
     png[18] = 0x7F;  // 2 million pixels wide
-    EXPECT_EQ(CreateIconFromResourceEx(png.data(), sizeof kPng, TRUE, 0x30000, 0, 0, 0), nullptr);
-}
-
-TEST(Images, DirectoriesAreSearchedBySize) {
-    const auto row = [](uint32_t side, uint32_t bits, uint32_t id) {
-        return Little(side, 1) + Little(side, 1) + Little(0, 2) + Little(1, 2) + Little(bits, 2) + Little(64, 4) +
-               Little(id, 2);
-    };
-    std::string icons = Doubles({0x00010000}) + Little(3, 2) + row(16, 32, 7) + row(32, 4, 8) + row(32, 32, 9);
-    auto* at = reinterpret_cast<BYTE*>(icons.data());
-    struct {
-        int side, id;
-    } const kRows[] = {{16, 7}, {20, 7}, {32, 9}, {0, 9}, {200, 9}};
-    for (const auto& each : kRows) EXPECT_EQ(LookupIconIdFromDirectoryEx(at, TRUE, each.side, each.side, 0), each.id);
-    icons[4] = 0;
-    EXPECT_EQ(LookupIconIdFromDirectoryEx(at, TRUE, 16, 16, 0), 0);
-    EXPECT_EQ(LookupIconIdFromDirectoryEx(at, FALSE, 16, 16, 0), 0);
-}
-
-TEST(Images, SharedOnesStay) {
-    const HCURSOR arrow = LoadCursorW(nullptr, IDC_ARROW);
-    EXPECT_EQ(LoadCursorW(nullptr, IDC_ARROW), arrow);
-    DestroyCursor(arrow);
-    EXPECT_GT(Show(arrow).mask.width, 0);
-    EXPECT_EQ(LoadCursorW(nullptr, MAKEINTRESOURCEW(77)), nullptr);
+    EXPECT_EQ(create(png), nullptr);
 }
 
 #ifndef _WIN32

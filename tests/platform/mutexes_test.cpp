@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <semaphore>
 #include <thread>
 
 #include "platform/scoped.h"
@@ -22,10 +21,6 @@ TEST(Mutexes, AreRecursiveAndKnowTheirHolder) {
     }).join();
     for (int i = 0; i < 3; ++i) EXPECT_TRUE(ReleaseMutex(mutex.Get()));
     EXPECT_FALSE(ReleaseMutex(mutex.Get()));
-    std::thread([&mutex] {
-        EXPECT_EQ(WaitForSingleObject(mutex.Get(), 0), WAIT_OBJECT_0);
-        EXPECT_TRUE(ReleaseMutex(mutex.Get()));
-    }).join();
 }
 
 TEST(Mutexes, MadeOwnedAndAbandoned) {
@@ -36,68 +31,6 @@ TEST(Mutexes, MadeOwnedAndAbandoned) {
     EXPECT_TRUE(ReleaseMutex(mutex.Get()));
     EXPECT_TRUE(ReleaseMutex(mutex.Get()));
     EXPECT_FALSE(ReleaseMutex(mutex.Get()));
-}
-
-TEST(Mutexes, ADuplicateIsTheSameMutex) {
-    platform::ScopedHandle first(CreateMutexW(nullptr, TRUE, nullptr));
-    platform::ScopedHandle second;
-    ASSERT_TRUE(DuplicateHandle(GetCurrentProcess(), first.Get(), GetCurrentProcess(), second.Out(), 0, FALSE,
-                                DUPLICATE_SAME_ACCESS));
-    first.Reset();
-    std::thread([&second] { EXPECT_EQ(WaitForSingleObject(second.Get(), 0), WAIT_TIMEOUT); }).join();
-    EXPECT_TRUE(ReleaseMutex(second.Get()));
-    EXPECT_FALSE(ReleaseMutex(second.Get()));
-}
-
-TEST(Mutexes, ClosedWhileHeld) {
-    // By this thread, by another one, and by one that ends afterwards: whatever is made later works as ever.
-    HANDLE mine = CreateMutexW(nullptr, TRUE, nullptr);
-    WaitForSingleObject(mine, INFINITE);
-    EXPECT_TRUE(CloseHandle(mine));
-    std::binary_semaphore held(0);
-    std::binary_semaphore closed(0);
-    HANDLE theirs = nullptr;
-    std::thread other([&] {
-        theirs = CreateMutexW(nullptr, TRUE, nullptr);
-        held.release();
-        closed.acquire();
-    });
-    held.acquire();
-    EXPECT_TRUE(CloseHandle(theirs));
-    std::vector<platform::ScopedHandle> later;
-    for (int i = 0; i < 8; ++i) {
-        later.emplace_back(CreateMutexW(nullptr, FALSE, nullptr));
-        EXPECT_EQ(WaitForSingleObject(later.back().Get(), 0), WAIT_OBJECT_0);
-    }
-    closed.release();
-    other.join();
-    for (const auto& mutex : later) EXPECT_TRUE(ReleaseMutex(mutex.Get()));
-}
-
-TEST(Mutexes, ExcludeEachOther) {
-    platform::ScopedHandle mutex(CreateMutexW(nullptr, FALSE, nullptr));
-    CRITICAL_SECTION section;
-    InitializeCriticalSection(&section);
-    int by_mutex = 0;
-    int by_section = 0;
-    constexpr int kTurns = 2000;
-    const auto work = [&] {
-        for (int i = 0; i < kTurns; ++i) {
-            {
-                platform::MutexLock lock(mutex.Get());
-                ++by_mutex;
-            }
-            platform::CriticalSectionLock outer(section);
-            platform::CriticalSectionLock inner(section);
-            ++by_section;
-        }
-    };
-    std::thread other(work);
-    work();
-    other.join();
-    DeleteCriticalSection(&section);
-    EXPECT_EQ(by_mutex, 2 * kTurns);
-    EXPECT_EQ(by_section, 2 * kTurns);
 }
 
 }  // namespace
