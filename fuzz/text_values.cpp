@@ -24,25 +24,22 @@ struct Text {
         length = WStringView(characters.get()).size();
     }
     [[nodiscard]] const WCHAR* Begin() const { return characters.get(); }
-    void RequireInside(const WCHAR* end) const {
+    template <class... More>
+    auto Read(auto read, More... more) const {
+        const WCHAR* end = nullptr;
+        const auto value = read(Begin(), &end, more...);
         FuzzRequire(end >= Begin() && end <= Begin() + length, "reading stops inside the text");
+        return value;
     }
 };
 
 void ReadNumbers(const Text& text) {
-    const WCHAR* end = nullptr;
-    const int32_t number = KtTextToLongToken(text.Begin(), &end);
-    text.RequireInside(end);
-    KtTextToDWordToken(text.Begin(), &end);
-    text.RequireInside(end);
-    const uint64_t wide = KtTextToDWordLongToken(text.Begin(), &end);
-    text.RequireInside(end);
-    KtTextToDoubleToken(text.Begin(), &end, 0);
-    text.RequireInside(end);
-    const double value = KtTextToDoubleToken(text.Begin(), &end, 1);
-    text.RequireInside(end);
-    const uint64_t hex = KtHexToDWordLongToken(text.Begin(), &end);
-    text.RequireInside(end);
+    const int32_t number = text.Read(KtTextToLongToken);
+    text.Read(KtTextToDWordToken);
+    const uint64_t wide = text.Read(KtTextToDWordLongToken);
+    text.Read(KtTextToDoubleToken, 0);
+    const double value = text.Read(KtTextToDoubleToken, 1);
+    const uint64_t hex = text.Read(KtHexToDWordLongToken);
     FuzzRequire(static_cast<uint32_t>(hex) == KtHexToDWordToken(text.Begin(), nullptr), "widths of hex agree");
     const int32_t limited = KtTextToLongTokenEx(text.Begin(), 7, -100, 100, nullptr);
     FuzzRequire(limited >= -100 && limited <= 100, "limits hold");
@@ -58,9 +55,7 @@ void ReadNumbers(const Text& text) {
 }
 
 void ReadColor(const Text& text) {
-    const WCHAR* end = nullptr;
-    const uint32_t color = KtTextToColorrefToken(text.Begin(), &end);
-    text.RequireInside(end);
+    const uint32_t color = text.Read(KtTextToColorrefToken);
     for (const int32_t mode : {0, 1, 2}) {
         WCHAR written[32];
         FuzzRequire(KtColorrefToText(written, 32, color, mode) > 0 && KtTextToColorref(written) == color,

@@ -21,19 +21,11 @@ struct Input {
 };
 
 Input Understand(const uint8_t* data, size_t size) {
-    constexpr double kRates[] = {24,
-                                 30000.0 / 1001,
-                                 25,
-                                 60,
-                                 1000,
-                                 0,
-                                 -1,
-                                 1e-300,
-                                 1e300,
-                                 std::numeric_limits<double>::infinity(),
-                                 std::numeric_limits<double>::quiet_NaN()};
-    constexpr int64_t kOffsets[] = {0, 36000000000, -1, std::numeric_limits<int64_t>::min(),
-                                    std::numeric_limits<int64_t>::max()};
+    using Doubles = std::numeric_limits<double>;
+    using Wide = std::numeric_limits<int64_t>;
+    constexpr double kRates[] = {
+        24, 30000.0 / 1001, 25, 60, 1000, 0, -1, 1e-300, 1e300, Doubles::infinity(), Doubles::quiet_NaN()};
+    constexpr int64_t kOffsets[] = {0, 36000000000, -1, Wide::min(), Wide::max()};
     constexpr WCHAR kSeparators[] = {0xA0, 0x202F, 0x2019, 0x66B, 0x660, 0xFF10, 0xD800, 0x2212};
     Input input;
     input.format = {data[0] % 24 - 2,

@@ -11,11 +11,12 @@
 #include <random>
 #include <set>
 #include <thread>
+#include <tuple>
 #include <vector>
 
-#include "platform/faults.h"
 #include "platform/memory.h"
 #include "platform/scoped.h"
+#include "support/fail_each.h"
 
 namespace {
 
@@ -25,6 +26,7 @@ struct Destroy {
 using List = std::unique_ptr<tKTLIST, Destroy>;
 
 constexpr uint32_t kPlain = 0;
+constexpr uint32_t kEachKind[] = {KTLIST_HEAP, KTLIST_IN_PLACE, kPlain};
 constexpr uint32_t kHeapKinds[] = {KTLIST_HEAP, KTLIST_HEAP | KTLIST_PRIVATE_HEAP, KTLIST_HEAP | KTLIST_LOCKED};
 
 List Make(uint32_t options, uintptr_t item_size = 4, int32_t count = 1, int32_t grow_by = 4) {
@@ -75,26 +77,20 @@ int32_t Compare(uintptr_t criteria, const void* a, const void* b) {
 }
 
 TEST(List, IsMadeInRoundedSizes) {
-    struct {
-        uint32_t options;
-        uintptr_t item_size;
-        int32_t initial, grow_by;
-        uintptr_t slot;
-        int32_t allocated, quantum;
-    } const kRows[] = {
+    const std::tuple<uint32_t, uintptr_t, int32_t, int32_t, uintptr_t, int32_t, int32_t> kRows[] = {
         {KTLIST_IN_PLACE, 10, 0, 0, 12, 16, 16}, {KTLIST_IN_PLACE, 12, 5, 4, 12, 8, 4},
         {KTLIST_HEAP, 999, 1, 1, 8, 4, 4},       {kPlain, 3, -7, 6, 8, 18, 6},
         {kPlain, 0, 1, 100000, 8, 66560, 66560}, {KTLIST_IN_PLACE, 1, 17, INT_MIN, 4, 32, 16},
         {KTLIST_HEAP, 0, 100, 33, 8, 132, 33},
     };
-    for (const auto& row : kRows) {
-        const List list = Make(row.options, row.item_size, row.initial, row.grow_by);
+    for (const auto& [options, item_size, initial, grow_by, slot, allocated, quantum] : kRows) {
+        const List list = Make(options, item_size, initial, grow_by);
         ASSERT_TRUE(list);
-        EXPECT_EQ(list->item_size, row.slot);
-        EXPECT_EQ(list->allocated, row.allocated);
-        EXPECT_EQ(list->grow_by, row.quantum);
+        EXPECT_EQ(list->item_size, slot);
+        EXPECT_EQ(list->allocated, allocated);
+        EXPECT_EQ(list->grow_by, quantum);
         EXPECT_EQ(list->count, 0);
-        EXPECT_EQ(KtList_GetCreateOptions(list.get()), row.options | KTLIST_ANY_THREAD);
+        EXPECT_EQ(KtList_GetCreateOptions(list.get()), options | KTLIST_ANY_THREAD);
         EXPECT_EQ(KtList_GetThreadOwner(list.get()), GetCurrentThreadId());
         EXPECT_EQ(list->heap_allocation_flags, 9u);
         EXPECT_EQ(list->heap_free_flags, 1u);
@@ -102,12 +98,7 @@ TEST(List, IsMadeInRoundedSizes) {
 }
 
 TEST(List, RefusesWhatCannotBeMade) {
-    struct {
-        uint32_t options;
-        uintptr_t item_size;
-        int32_t initial, grow_by;
-        HRESULT result;
-    } const kRows[] = {
+    const std::tuple<uint32_t, uintptr_t, int32_t, int32_t, HRESULT> kRows[] = {
         {KTLIST_HEAP | KTLIST_IN_PLACE, 4, 0, 0, E_FAIL},
         {KTLIST_IN_PLACE, 0, 0, 0, E_INVALIDARG},
         {KTLIST_IN_PLACE, UINTPTR_MAX, 0, 0, E_INVALIDARG},
@@ -116,17 +107,15 @@ TEST(List, RefusesWhatCannotBeMade) {
         {KTLIST_IN_PLACE, uintptr_t{1} << 40, INT_MAX - 1, 16, E_OUTOFMEMORY},
         {kPlain, 0, INT_MAX, 16, E_OUTOFMEMORY},
     };
-    for (const auto& row : kRows) {
-        auto* list = reinterpret_cast<tKTLIST*>(uintptr_t{16});
-        EXPECT_EQ(KtList_CreateExZ(&list, row.item_size, row.initial, row.grow_by, row.options, nullptr, nullptr, 0),
-                  row.result);
-        EXPECT_EQ(list, nullptr);
+    for (const auto& [options, item_size, initial, grow_by, result] : kRows) {
         tKTLIST storage;
         std::memset(&storage, 0xAA, sizeof storage);
-        list = &storage;
-        EXPECT_EQ(KtList_CreateExZ(&list, row.item_size, row.initial, row.grow_by, row.options | KTLIST_CALLER_STORAGE,
-                                   nullptr, nullptr, 0),
-                  row.result);
+        for (const uint32_t place : {0u, uint32_t{KTLIST_CALLER_STORAGE}}) {
+            tKTLIST* list = &storage;
+            EXPECT_EQ(KtList_CreateExZ(&list, item_size, initial, grow_by, options | place, nullptr, nullptr, 0),
+                      result);
+            EXPECT_TRUE(place || !list);
+        }
         EXPECT_FALSE(KtList_IsListFast(&storage));
     }
     tKTLIST* none = nullptr;
@@ -135,29 +124,26 @@ TEST(List, RefusesWhatCannotBeMade) {
 }
 
 TEST(List, InsertsWhereAskedFor) {
-    struct {
-        int32_t index;
-        std::vector<int32_t> after;
-    } const kRows[] = {
+    const std::pair<int32_t, std::vector<int32_t>> kRows[] = {
         {0, {9, 0, 1, 2}},  {2, {0, 1, 9, 2}},    {3, {0, 1, 2, 9}},
         {-1, {0, 1, 2, 9}}, {1000, {0, 1, 2, 9}}, {INT_MIN, {0, 1, 2, 9}},
     };
     static constexpr int32_t kNine = 9;
-    for (const uint32_t kind : {uint32_t{KTLIST_HEAP}, uint32_t{KTLIST_IN_PLACE}, kPlain}) {
-        for (const auto& row : kRows) {
+    for (const uint32_t kind : kEachKind) {
+        for (const auto& [index, after] : kRows) {
             const List list = Numbers(kind, {0, 1, 2});
             const void* const pointer = &kNine;
             if (kind == KTLIST_HEAP) {
                 void* item = nullptr;
                 ASSERT_EQ(KtList_AllocItem(list.get(), 4, &item), S_OK);
                 *static_cast<int32_t*>(item) = 9;
-                EXPECT_EQ(KtList_InsertList(list.get(), row.index, nullptr, -1), S_OK);
+                EXPECT_EQ(KtList_InsertList(list.get(), index, nullptr, -1), S_OK);
                 EXPECT_EQ(list->pending_item, nullptr);
             } else {
                 const void* const items = kind == kPlain ? static_cast<const void*>(&pointer) : &kNine;
-                EXPECT_EQ(KtList_InsertList(list.get(), row.index, items, 1), S_OK);
+                EXPECT_EQ(KtList_InsertList(list.get(), index, items, 1), S_OK);
             }
-            EXPECT_EQ(ValuesOf(list), row.after) << kind << ' ' << row.index;
+            EXPECT_EQ(ValuesOf(list), after) << kind << ' ' << index;
         }
     }
 }
@@ -166,12 +152,7 @@ TEST(List, TakesEachKindOnlyWhatItIsFor) {
     const int32_t values[4] = {1, 2, 3, 4};
     const List in_place = Numbers(KTLIST_IN_PLACE, {0});
     const List heap = Numbers(KTLIST_HEAP, {0});
-    struct {
-        tKTLIST* list;
-        const void* items;
-        int32_t count;
-        HRESULT result;
-    } const kRows[] = {
+    const std::tuple<tKTLIST*, const void*, int32_t, HRESULT> kRows[] = {
         {in_place.get(), nullptr, 1, E_FAIL}, {in_place.get(), nullptr, -1, E_FAIL},
         {in_place.get(), values, 0, E_FAIL},  {in_place.get(), values, -1, E_FAIL},
         {heap.get(), values, 1, E_FAIL},      {in_place.get(), values, INT_MAX, E_OUTOFMEMORY},
@@ -179,8 +160,8 @@ TEST(List, TakesEachKindOnlyWhatItIsFor) {
         {heap.get(), nullptr, 1, E_FAIL},     {heap.get(), values, INT_MIN, E_OUTOFMEMORY},
         {nullptr, values, 1, E_FAIL},         {heap.get(), values, -INT_MAX, E_OUTOFMEMORY},
     };
-    for (const auto& row : kRows) {
-        EXPECT_EQ(KtList_InsertList(row.list, 0, row.items, row.count), row.result) << row.count;
+    for (const auto& [list, items, count, result] : kRows) {
+        EXPECT_EQ(KtList_InsertList(list, 0, items, count), result) << count;
     }
     EXPECT_EQ(in_place->count, 1);
     EXPECT_EQ(heap->count, 1);
@@ -218,41 +199,11 @@ TEST(List, TakesOverPointersAndItsOwnItems) {
     EXPECT_EQ(KtList_InsertList(list.get(), 0, static_cast<char*>(list->array) + 28, 2), E_FAIL);
 }
 
-TEST(List, DeletesRanges) {
-    struct {
-        int32_t index, count;
-        HRESULT result;
-        std::vector<int32_t> after;
-    } const kRows[] = {
-        {0, -1, S_OK, {}},         {9, 0, S_OK, Counting(5)},     {4, INT_MAX, S_OK, Counting(4)},
-        {2, -1, S_OK, {0, 1}},     {5, 1, E_FAIL, Counting(5)},   {INT_MAX, -1, S_OK, Counting(5)},
-        {1, 2, S_OK, {0, 3, 4}},   {-1, 1, E_FAIL, Counting(5)},  {INT_MIN, INT_MIN, E_FAIL, Counting(5)},
-        {0, 0, S_OK, Counting(5)}, {-1, -1, E_FAIL, Counting(5)},
-    };
-    for (const uint32_t kind :
-         {uint32_t{KTLIST_HEAP}, KTLIST_HEAP | KTLIST_PRIVATE_HEAP, uint32_t{KTLIST_IN_PLACE}, kPlain}) {
-        for (const auto& row : kRows) {
-            const List list = Numbers(kind, Counting(5));
-            EXPECT_EQ(KtList_DeleteList(list.get(), row.index, row.count, 0), row.result) << row.index;
-            EXPECT_EQ(ValuesOf(list), row.after) << row.index << ' ' << row.count;
-            EXPECT_EQ(list->allocated, 8);
-            const auto* const vacated = static_cast<char*>(list->array) + row.after.size() * list->item_size;
-            EXPECT_EQ(std::count(vacated, vacated + list->item_size * (8 - row.after.size()), 0),
-                      static_cast<std::ptrdiff_t>(list->item_size * (8 - row.after.size())));
-        }
-    }
-}
-
 TEST(List, GrowsAndShrinksByItsQuantum) {
     const List list = Make(KTLIST_IN_PLACE, 4, 8, 8);
     ASSERT_EQ(KtList_ArrayForceItemCount(list.get(), 5, 1), S_OK);
     static_cast<int32_t*>(list->array)[4] = 44;
-    struct {
-        HRESULT (*operation)(tKTLIST*, int32_t) noexcept;
-        int32_t slots;
-        HRESULT result;
-        int32_t allocated;
-    } const kRows[] = {
+    const std::tuple<HRESULT (*)(tKTLIST*, int32_t) noexcept, int32_t, HRESULT, int32_t> kRows[] = {
         {KtList_GrowAllocated, 0, S_OK, 16},        {KtList_GrowAllocated, -5, S_OK, 24},
         {KtList_GrowAllocated, 9, S_OK, 40},        {KtList_GrowAllocated, INT_MAX, E_OUTOFMEMORY, 40},
         {KtList_ShrinkAllocated, 0, S_OK, 40},      {KtList_ShrinkAllocated, 1, S_OK, 32},
@@ -260,9 +211,9 @@ TEST(List, GrowsAndShrinksByItsQuantum) {
         {KtList_ShrinkAllocated, -1, S_OK, 8},      {KtList_GrowAllocated, 40, S_OK, 48},
         {KtList_ShrinkAllocated, INT_MAX, S_OK, 8},
     };
-    for (const auto& row : kRows) {
-        EXPECT_EQ(row.operation(list.get(), row.slots), row.result) << row.slots;
-        EXPECT_EQ(list->allocated, row.allocated) << row.slots;
+    for (const auto& [operation, slots, result, allocated] : kRows) {
+        EXPECT_EQ(operation(list.get(), slots), result) << slots;
+        EXPECT_EQ(list->allocated, allocated) << slots;
         EXPECT_EQ(ValuesOf(list), (std::vector<int32_t>{0, 0, 0, 0, 44}));
     }
     EXPECT_EQ(KtList_ArrayForceItemCount(list.get(), 17, 0), S_OK);
@@ -271,35 +222,44 @@ TEST(List, GrowsAndShrinksByItsQuantum) {
     EXPECT_EQ(KtList_ArrayForceItemCount(list.get(), INT_MAX, 0), E_OUTOFMEMORY);
     EXPECT_EQ(list->count, 17);
     // A deletion gives slots back only when more than a quantum is free, and only when asked to.
-    EXPECT_EQ(KtList_DeleteList(list.get(), 0, 1, 1), S_OK);
-    EXPECT_EQ(list->allocated, 24);
-    EXPECT_EQ(KtList_DeleteList(list.get(), 0, 10, 1), S_OK);
-    EXPECT_EQ(list->allocated, 8);
-    EXPECT_EQ(KtList_DeleteList(list.get(), 0, -1, 1), S_OK);
-    EXPECT_EQ(list->allocated, 8);
+    for (const auto& [deleted, allocated] : {std::pair{1, 24}, {10, 8}, {-1, 8}}) {
+        EXPECT_EQ(KtList_DeleteList(list.get(), 0, deleted, 1), S_OK);
+        EXPECT_EQ(list->allocated, allocated) << deleted;
+    }
     EXPECT_EQ(KtList_ShrinkAllocated(list.get(), -1), S_OK);
     EXPECT_EQ(list->allocated, 1);  // one slot stays
 }
 
-TEST(List, MovesRanges) {
-    struct {
-        int32_t from, to, count;
-        HRESULT result;
-        std::vector<int32_t> after;
-    } const kRows[] = {
-        {3, 3, 2, S_OK, Counting(8)},         {5, 2, 2, S_OK, {0, 1, 5, 6, 2, 3, 4, 7}},
-        {3, 1, 0, S_OK, Counting(8)},         {2, 5, 2, S_OK, {0, 1, 4, 5, 6, 2, 3, 7}},
-        {8, 0, -1, S_OK, Counting(8)},        {0, 1, -1, S_OK, {7, 0, 1, 2, 3, 4, 5, 6}},
-        {9, 0, -1, E_FAIL, Counting(8)},      {6, -3, -1, S_OK, {6, 7, 0, 1, 2, 3, 4, 5}},
-        {7, 0, 2, E_FAIL, Counting(8)},       {-1, 0, 1, E_INVALIDARG, Counting(8)},
-        {0, 7, 2, E_FAIL, Counting(8)},       {INT_MAX, 0, INT_MAX, E_FAIL, Counting(8)},
-        {1, 2, INT_MAX, E_FAIL, Counting(8)},
+TEST(List, DeletesAndMovesRanges) {
+    using Change = HRESULT (*)(tKTLIST*, int32_t, int32_t, int32_t) noexcept;
+    const Change move = KtList_MoveRange;
+    const Change remove = [](tKTLIST* list, int32_t index, int32_t, int32_t count) noexcept {
+        return KtList_DeleteList(list, index, count, 0);
     };
-    for (const uint32_t kind : {uint32_t{KTLIST_HEAP}, uint32_t{KTLIST_IN_PLACE}}) {
-        for (const auto& row : kRows) {
-            const List list = Numbers(kind, Counting(8));
-            EXPECT_EQ(KtList_MoveRange(list.get(), row.from, row.to, row.count), row.result);
-            EXPECT_EQ(ValuesOf(list), row.after) << row.from << ' ' << row.to << ' ' << row.count;
+    const std::vector<int32_t> all = Counting(8);
+    const std::tuple<Change, int32_t, int32_t, int32_t, HRESULT, std::vector<int32_t>> kRows[] = {
+        {remove, 0, 0, -1, S_OK, {}},     {remove, 9, 0, 0, S_OK, all},
+        {remove, 2, 0, -1, S_OK, {0, 1}}, {remove, 4, 0, INT_MAX, S_OK, {0, 1, 2, 3}},
+        {remove, 0, 0, 0, S_OK, all},     {remove, 1, 0, 2, S_OK, {0, 3, 4, 5, 6, 7}},
+        {remove, 8, 0, 1, E_FAIL, all},   {remove, INT_MAX, 0, -1, S_OK, all},
+        {remove, -1, 0, 1, E_FAIL, all},  {remove, INT_MIN, 0, INT_MIN, E_FAIL, all},
+        {remove, -1, 0, -1, E_FAIL, all}, {move, 5, 2, 2, S_OK, {0, 1, 5, 6, 2, 3, 4, 7}},
+        {move, 3, 3, 2, S_OK, all},       {move, 2, 5, 2, S_OK, {0, 1, 4, 5, 6, 2, 3, 7}},
+        {move, 3, 1, 0, S_OK, all},       {move, 0, 1, -1, S_OK, {7, 0, 1, 2, 3, 4, 5, 6}},
+        {move, 8, 0, -1, S_OK, all},      {move, 6, -3, -1, S_OK, {6, 7, 0, 1, 2, 3, 4, 5}},
+        {move, 9, 0, -1, E_FAIL, all},    {move, -1, 0, 1, E_INVALIDARG, all},
+        {move, 7, 0, 2, E_FAIL, all},     {move, INT_MAX, 0, INT_MAX, E_FAIL, all},
+        {move, 0, 7, 2, E_FAIL, all},     {move, 1, 2, INT_MAX, E_FAIL, all},
+    };
+    for (const uint32_t kind : {kHeapKinds[0], kHeapKinds[1], uint32_t{KTLIST_IN_PLACE}, kPlain}) {
+        for (const auto& [change, index, to, count, result, after] : kRows) {
+            const List list = Numbers(kind, all);
+            EXPECT_EQ(change(list.get(), index, to, count), result) << index << ' ' << to << ' ' << count;
+            EXPECT_EQ(ValuesOf(list), after) << index << ' ' << to << ' ' << count;
+            EXPECT_EQ(list->allocated, 8);
+            const auto* const array = static_cast<char*>(list->array);
+            EXPECT_TRUE(std::all_of(array + after.size() * list->item_size, array + 8 * list->item_size,
+                                    [](char vacated) { return vacated == 0; }));
         }
     }
     const List large = Numbers(KTLIST_IN_PLACE, Counting(1000));
@@ -331,11 +291,8 @@ TEST(List, ReallocatesItemsAndSaysTheirSizes) {
 }
 
 TEST(List, MovesItemsBetweenHeapLists) {
-    struct {
-        int32_t index, start, count;
-        HRESULT result;
-        std::vector<int32_t> to, from;
-    } const kRows[] = {
+    using Values = std::vector<int32_t>;
+    const std::tuple<int32_t, int32_t, int32_t, HRESULT, Values, Values> kRows[] = {
         {1, 1, 2, S_OK, {10, 1, 2, 11}, {0, 3}},   {-1, 0, -1, S_OK, {10, 11, 0, 1, 2, 3}, {}},
         {99, 3, 1, S_OK, {10, 11, 3}, {0, 1, 2}},  {0, 2, 0, S_OK, {10, 11}, Counting(4)},
         {0, 1, -1, E_FAIL, {10, 11}, Counting(4)}, {0, -1, 1, E_FAIL, {10, 11}, Counting(4)},
@@ -343,13 +300,11 @@ TEST(List, MovesItemsBetweenHeapLists) {
     };
     for (const uint32_t to_kind : kHeapKinds) {
         for (const uint32_t from_kind : kHeapKinds) {
-            for (const auto& row : kRows) {
-                const List to = Numbers(to_kind, {10, 11});
-                const List from = Numbers(from_kind, Counting(4));
-                EXPECT_EQ(KtList_MoveItemsBetweenHeapLists(to.get(), row.index, from.get(), row.start, row.count),
-                          row.result);
-                EXPECT_EQ(ValuesOf(to), row.to) << row.index << ' ' << row.start << ' ' << row.count;
-                EXPECT_EQ(ValuesOf(from), row.from);
+            for (const auto& [index, start, count, result, moved, left] : kRows) {
+                const List to = Numbers(to_kind, {10, 11}), from = Numbers(from_kind, Counting(4));
+                EXPECT_EQ(KtList_MoveItemsBetweenHeapLists(to.get(), index, from.get(), start, count), result);
+                EXPECT_EQ(ValuesOf(to), moved) << index << ' ' << start << ' ' << count;
+                EXPECT_EQ(ValuesOf(from), left);
             }
         }
     }
@@ -367,11 +322,9 @@ int32_t MatchTens(const void* key, const void* item) {
 }
 
 TEST(List, FindsInRanges) {
-    for (const uint32_t kind : {uint32_t{KTLIST_HEAP}, uint32_t{KTLIST_IN_PLACE}, kPlain}) {
+    for (const uint32_t kind : kEachKind) {
         const List list = Numbers(kind, {10, 20, 21, 30, 40});
-        struct {
-            int32_t key, start, count, match, sorted, insert;
-        } const kRows[] = {
+        const std::tuple<int32_t, int32_t, int32_t, int32_t, int32_t, int32_t> kRows[] = {
             {20, 0, -1, 1, 1, 1},      {21, 0, -1, 1, 2, 2},
             {25, 0, -1, 1, -1, 3},     {50, 0, -1, -1, -1, 5},
             {5, 0, -1, -1, -1, 0},     {20, 2, -1, 2, -1, 2},
@@ -380,21 +333,19 @@ TEST(List, FindsInRanges) {
             {10, 0, 0, -1, -1, 0},     {10, INT_MAX, INT_MAX, -1, -1, -1},
             {30, 3, INT_MAX, 3, 3, 3}, {30, INT_MIN, INT_MIN, 3, 3, 3},
         };
-        for (const auto& row : kRows) {
-            const int32_t tens = row.key / 10;
-            SCOPED_TRACE(testing::Message() << kind << ' ' << row.key << ' ' << row.start << ' ' << row.count);
-            EXPECT_EQ(KtList_FindItemRange(list.get(), row.start, row.count, &tens, MatchTens), row.match);
-            EXPECT_EQ(KtList_FindSortedItemRange(list.get(), &row.key, row.start, row.count, Compare), row.sorted);
-            EXPECT_EQ(KtList_FindSortedInsertIndexRange(list.get(), &row.key, row.start, row.count, Compare),
-                      row.insert);
+        for (const auto& [key, start, count, match, sorted, insert] : kRows) {
+            const int32_t tens = key / 10;
+            SCOPED_TRACE(testing::Message() << kind << ' ' << key << ' ' << start << ' ' << count);
+            EXPECT_EQ(KtList_FindItemRange(list.get(), start, count, &tens, MatchTens), match);
+            EXPECT_EQ(KtList_FindSortedItemRange(list.get(), &key, start, count, Compare), sorted);
+            EXPECT_EQ(KtList_FindSortedInsertIndexRange(list.get(), &key, start, count, Compare), insert);
             const auto item = [&](int32_t index) -> const void* {
-                return kind == KTLIST_IN_PLACE ? &row.key : static_cast<void**>(list->array)[index];
+                return kind == KTLIST_IN_PLACE ? &key : static_cast<void**>(list->array)[index];
             };
-            const int32_t found = row.sorted >= 0 ? row.sorted : 0;
-            const int32_t expected =
-                row.sorted >= 0 || (row.key == 10 && row.start <= 0 && row.count != 0) ? found : -1;
-            if (kind == KTLIST_IN_PLACE || row.sorted >= 0) {
-                EXPECT_EQ(KtList_FindSpecificItemRange(list.get(), row.start, row.count, item(found)), expected);
+            const int32_t found = sorted >= 0 ? sorted : 0;
+            const int32_t expected = sorted >= 0 || (key == 10 && start <= 0 && count != 0) ? found : -1;
+            if (kind == KTLIST_IN_PLACE || sorted >= 0) {
+                EXPECT_EQ(KtList_FindSpecificItemRange(list.get(), start, count, item(found)), expected);
             }
         }
         EXPECT_EQ(KtList_FindSpecificItemRange(list.get(), 0, -1, nullptr), -1);
@@ -409,8 +360,12 @@ TEST(List, FindsInRanges) {
 
 TEST(List, Sorts) {
     std::mt19937 random(1);
+    // Items of several words move whole.
+    struct Wide {
+        int32_t key, copies[4];
+    };
     for (const auto sort : {KtList_Sort, KtList_HeapSort}) {
-        for (const uint32_t kind : {uint32_t{KTLIST_HEAP}, uint32_t{KTLIST_IN_PLACE}, kPlain}) {
+        for (const uint32_t kind : kEachKind) {
             for (const int32_t count : {0, 1, 2, 3, 4, 5, 7, 8, 31, 200}) {
                 std::vector<int32_t> values = Counting(count);
                 for (int32_t& value : values) value = static_cast<int32_t>(random() % 50);
@@ -427,24 +382,15 @@ TEST(List, Sorts) {
                 EXPECT_EQ(ValuesOf(list), values) << kind << ' ' << count;
             }
         }
-    }
-    // Items of several words move whole, and a compare that lies does no harm.
-    struct Wide {
-        int32_t key, words[4];
-    };
-    for (const auto sort : {KtList_Sort, KtList_HeapSort}) {
         const List wide = Make(KTLIST_IN_PLACE, sizeof(Wide));
         for (int32_t i = 0; i < 40; ++i) {
             const int32_t key = i * 7 % 40;
-            const Wide item{key, {key, -key, key * 2, ~key}};
+            const Wide item{key, {key, key, key, key}};
             ASSERT_EQ(KtList_InsertList(wide.get(), -1, &item, 1), S_OK);
         }
         EXPECT_EQ(sort(wide.get(), 0, Compare), S_OK);
-        for (int32_t i = 0; i < 40; ++i) {
-            const Wide& item = static_cast<Wide*>(wide->array)[i];
-            EXPECT_TRUE(item.key == i && item.words[0] == i && item.words[1] == -i && item.words[2] == i * 2 &&
-                        item.words[3] == ~i);
-        }
+        for (int32_t i = 0; i < 40 * 5; ++i) EXPECT_EQ(static_cast<int32_t*>(wide->array)[i], i / 5);
+        // A compare that lies does no harm.
         const auto liar = [](uintptr_t, const void*, const void*) -> int32_t { return 1; };
         EXPECT_EQ(sort(wide.get(), 0, liar), S_OK);
     }
@@ -461,14 +407,13 @@ TEST(List, SortsIntoAnotherList) {
         EXPECT_EQ(ValuesOf(from), (std::vector<int32_t>{3, 9, 11, 0}));  // and the source still owns its items
         EXPECT_EQ(KtList_SortTo(to.get(), to.get(), 1, Compare), E_FAIL);
     }
-    const List heap = Numbers(KTLIST_HEAP, {1});
-    const List in_place = Numbers(KTLIST_IN_PLACE, {1});
-    const List plain = Numbers(kPlain, {1});
-    const List wide = Make(KTLIST_IN_PLACE, 8);
-    EXPECT_EQ(KtList_SortTo(heap.get(), plain.get(), 0, Compare), E_FAIL);  // both would own the items
-    EXPECT_EQ(KtList_SortTo(plain.get(), in_place.get(), 0, Compare), E_FAIL);
-    EXPECT_EQ(KtList_SortTo(wide.get(), plain.get(), 0, Compare), E_FAIL);
-    EXPECT_EQ(KtList_SortTo(wide.get(), in_place.get(), 0, Compare), E_FAIL);
+    // Two would own the items, or they are of another kind or size.
+    const List heap = Numbers(KTLIST_HEAP, {1}), in_place = Numbers(KTLIST_IN_PLACE, {1}), plain = Numbers(kPlain, {1}),
+               wide = Make(KTLIST_IN_PLACE, 8);
+    for (const auto& [to, from] :
+         {std::pair{&heap, &plain}, {&plain, &in_place}, {&wide, &plain}, {&wide, &in_place}}) {
+        EXPECT_EQ(KtList_SortTo(to->get(), from->get(), 0, Compare), E_FAIL);
+    }
 }
 
 TEST(List, MovesIntoCallerStorage) {
@@ -496,9 +441,10 @@ TEST(List, MovesIntoCallerStorage) {
     list = &storage;
     ASSERT_EQ(KtList_CreateExZ(&list, 4, 0, 0, KTLIST_CALLER_STORAGE, nullptr, nullptr, 0), S_OK);
     EXPECT_TRUE(KtList_IsListFast(&storage));
-    EXPECT_EQ(KtList_Destroy(&storage), S_OK);
-    EXPECT_FALSE(KtList_IsListFast(&storage));
-    EXPECT_EQ(KtList_Destroy(&storage), E_FAIL);
+    for (const HRESULT destroyed : {S_OK, E_FAIL}) {
+        EXPECT_EQ(KtList_Destroy(&storage), destroyed);
+        EXPECT_FALSE(KtList_IsListFast(&storage));
+    }
 }
 
 TEST(List, KnowsWhatIsAList) {
@@ -527,9 +473,8 @@ TEST(List, KnowsWhatIsAList) {
         EXPECT_EQ(KtList_SetThreadOwner(no_list, 5), E_FAIL);
     }
     EXPECT_EQ(KtList_Destroy(nullptr), S_OK);
-    EXPECT_EQ(KtList_SetUserData(list.get(), 5), 0u);
-    EXPECT_EQ(KtList_SetUserData(list.get(), 6), 5u);
-    EXPECT_EQ(KtList_GetUserData(list.get()), 6u);
+    for (const uint32_t data : {0, 5}) EXPECT_EQ(KtList_SetUserData(list.get(), data + 5), data);
+    EXPECT_EQ(KtList_GetUserData(list.get()), 10u);
     WCHAR text[2] = {W('x'), W('y')};
     EXPECT_EQ(KtList_GetFileAndLine(list.get(), text), -1);
     EXPECT_EQ(text[0], 0);
@@ -581,7 +526,6 @@ TEST(List, LocksAroundEachOperationAndFromOutside) {
 
 // Every allocation fails once, and each time the lists are as before.
 TEST(List, StaysAsItWasWhenMemoryEnds) {
-    namespace faults = platform::faults;
     struct {
         const char* name;
         HRESULT (*operation)(tKTLIST* list, tKTLIST* other);
@@ -589,22 +533,24 @@ TEST(List, StaysAsItWasWhenMemoryEnds) {
         {"create",
          [](tKTLIST*, tKTLIST*) {
              tKTLIST* made = nullptr;
-             const HRESULT result =
-                 KtList_CreateExZ(&made, 0, 0, 0, KTLIST_HEAP | KTLIST_PRIVATE_HEAP, nullptr, nullptr, 0);
+             const HRESULT result = KtList_CreateExZ(&made, 0, 0, 0, kHeapKinds[1], nullptr, nullptr, 0);
              EXPECT_EQ(FAILED(result), made == nullptr);
              KtList_Destroy(made);
              return result;
          }},
         {"insert",
          [](tKTLIST* list, tKTLIST*) {
-             const int32_t value = 8;
              int32_t place = 0;
-             const HRESULT result = KtList_AllocAndInsertItem(list, &value, 4, 2, &place);
+             const HRESULT result = KtList_AllocAndInsertItem(list, &place, 4, 2, &place);
              EXPECT_EQ(place, FAILED(result) ? -1 : 2);
              return result;
          }},
         {"grow", [](tKTLIST* list, tKTLIST*) { return KtList_GrowAllocated(list, 1); }},
-        {"shrink", [](tKTLIST* list, tKTLIST*) { return KtList_ShrinkAllocated(list, -1); }},
+        {"shrink",
+         [](tKTLIST* list, tKTLIST*) {
+             const HRESULT grown = KtList_GrowAllocated(list, 8);
+             return FAILED(grown) ? grown : KtList_ShrinkAllocated(list, -1);
+         }},
         {"reallocate", [](tKTLIST* list, tKTLIST*) { return KtList_ReAllocItem(list, 1, 99); }},
         {"move between",
          [](tKTLIST* list, tKTLIST* other) { return KtList_MoveItemsBetweenHeapLists(list, 1, other, 0, -1); }},
@@ -612,30 +558,24 @@ TEST(List, StaysAsItWasWhenMemoryEnds) {
     };
     for (const uint32_t kind : kHeapKinds) {
         for (const auto& row : kRows) {
-            for (int n = 0;; ++n) {
-                const List list = Numbers(kind, Counting(140));
-                const List other = Numbers(KTLIST_HEAP, Counting(9));
-                if (std::strcmp(row.name, "shrink") == 0) KtList_GrowAllocated(list.get(), 8);
-                faults::FailAfter(n);
-                const HRESULT result = row.operation(list.get(), other.get());
-                const bool hit = faults::Hit();
-                faults::Clear();
-                if (!hit) {
-                    EXPECT_EQ(result, S_OK) << row.name;
-                    break;
-                }
-                EXPECT_EQ(result, E_OUTOFMEMORY) << row.name << ' ' << n;
-                EXPECT_EQ(ValuesOf(list), Counting(140)) << row.name << ' ' << n;
-                EXPECT_EQ(ValuesOf(other), Counting(9)) << row.name << ' ' << n;
-                EXPECT_EQ(list->pending_item, nullptr);
-            }
+            SCOPED_TRACE(row.name);
+            const List list = Numbers(kind, Counting(140)), other = Numbers(KTLIST_HEAP, Counting(9));
+            support::FailEach<support::FailingCall>([&] { return row.operation(list.get(), other.get()); },
+                                                    [&](HRESULT result, bool failed) {
+                                                        EXPECT_EQ(result, failed ? E_OUTOFMEMORY : S_OK);
+                                                        if (!failed) return;
+                                                        EXPECT_EQ(ValuesOf(list), Counting(140));
+                                                        EXPECT_EQ(ValuesOf(other), Counting(9));
+                                                        EXPECT_EQ(list->pending_item, nullptr);
+                                                    });
         }
     }
     // A deletion that cannot give its slots back has deleted all the same.
     const List list = Numbers(KTLIST_IN_PLACE, Counting(50));
-    faults::FailAfter(0);
-    EXPECT_EQ(KtList_DeleteList(list.get(), 1, -1, 1), S_OK);
-    faults::Clear();
+    {
+        const support::FailingCall fail(0);
+        EXPECT_EQ(KtList_DeleteList(list.get(), 1, -1, 1), S_OK);
+    }
     EXPECT_EQ(ValuesOf(list), Counting(1));
 }
 

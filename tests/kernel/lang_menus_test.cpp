@@ -1,10 +1,10 @@
 // Menus of a language's resources, cleaned, culled and grayed.
 #include "kernel/lang_menus.h"
 
+#include <tuple>
 #include <vector>
 
 #include "lang_fixture.h"
-#include "platform/faults.h"
 #include "platform/modules.h"
 #include "platform/resources.h"
 #include "platform/scoped.h"
@@ -41,6 +41,12 @@ Menu Make(std::string_view text) {
     return Menu(Make(at));
 }
 
+std::string TextAt(HMENU menu, UINT position) {
+    WCHAR text[120];
+    GetMenuStringW(menu, position, text, 120, MF_BYPOSITION);
+    return platform::Utf8(text);
+}
+
 std::string Shape(HMENU menu) {
     std::string shape;
     for (int i = 0; i < GetMenuItemCount(menu); ++i) {
@@ -51,26 +57,21 @@ std::string Shape(HMENU menu) {
             shape += '-';
         } else {
             const bool gray = (GetMenuState(menu, item, MF_BYPOSITION) & MF_GRAYED) != 0;
-            shape += gray ? std::string("!") : "";
-            WCHAR text[20];
-            GetMenuStringW(menu, item, text, 20, MF_BYPOSITION);
-            shape += platform::Utf8(text);
+            shape += (gray ? "!" : "") + TextAt(menu, item);
         }
     }
     return shape;
 }
 
 TEST(Menus, AreCleanedOfSeparatorsThatPartNothing) {
-    struct {
-        const char *menu, *cleaned;
-    } const kRows[] = {
+    const std::pair<const char*, const char*> kRows[] = {
         {"---", ""}, {"ab", "ab"},   {"-a--b-", "a-b"},  {"--a---b--", "a-b"}, {"a(b(-)-)", "a(b)"},
         {"", ""},    {"(())a", "a"}, {"a-(-)-b", "a-b"}, {"(--)(-c-)", "(c)"}, {"-(abcdefgh)-(i)", "(abcdefgh)-(i)"},
     };
-    for (const auto& row : kRows) {
-        const Menu menu = Make(row.menu);
+    for (const auto& [shape, cleaned] : kRows) {
+        const Menu menu = Make(shape);
         EXPECT_EQ(KtCleanMenu(menu.Get(), nullptr, 0), 0);
-        EXPECT_EQ(Shape(menu.Get()), row.cleaned) << row.menu;
+        EXPECT_EQ(Shape(menu.Get()), cleaned) << shape;
     }
     const Menu menu = Make("a(-)b(c)");
     EXPECT_EQ(KtCleanMenu(GetSubMenu(menu.Get(), 3), menu.Get(), 3), 0);
@@ -79,23 +80,17 @@ TEST(Menus, AreCleanedOfSeparatorsThatPartNothing) {
 }
 
 TEST(Menus, LoseAndGrayTheCommandsOfAList) {
-    struct {
-        std::vector<uint32_t> ids;
-        int32_t count;
-        int32_t clean;
-        const char *culled, *grayed;
-    } const kRows[] = {
+    const std::tuple<std::vector<uint32_t>, int32_t, int32_t, const char*, const char*> kRows[] = {
         {{'b', 'd'}, 2, 1, "a-(c)e", "a!b-(c-!d)e"}, {{'b', 'd'}, 2, 0, "a-(c-)e", "a!b-(c-!d)e"},
         {{'z'}, 1, 0, "ab-(c-d)e", "ab-(c-d)e"},     {{'c', 'd', 0, 'a'}, -1, 1, "ab-e", "ab-(!c-!d)e"},
         {{'a'}, 0, 0, "ab-(c-d)e", "ab-(c-d)e"},     {{'a', 'b'}, 1, 0, "b-(c-d)e", "!ab-(c-d)e"},
     };
-    for (const auto& row : kRows) {
-        const Menu culled = Make("ab-(c-d)e");
-        KtCullMenu(culled.Get(), row.ids.data(), row.count, row.clean);
-        EXPECT_EQ(Shape(culled.Get()), row.culled);
-        const Menu grayed = Make("ab-(c-d)e");
-        KtGrayMenu(grayed.Get(), row.ids.data(), row.count);
-        EXPECT_EQ(Shape(grayed.Get()), row.grayed);
+    for (const auto& [ids, count, clean, culled, grayed] : kRows) {
+        const Menu to_cull = Make("ab-(c-d)e"), to_gray = Make("ab-(c-d)e");
+        KtCullMenu(to_cull.Get(), ids.data(), count, clean);
+        EXPECT_EQ(Shape(to_cull.Get()), culled);
+        KtGrayMenu(to_gray.Get(), ids.data(), count);
+        EXPECT_EQ(Shape(to_gray.Get()), grayed);
     }
     const Menu menu = Make("ab(c)");
     KtCullMenu(menu.Get(), nullptr, -1, 0);
@@ -108,20 +103,17 @@ TEST(Menus, LoseAndGrayTheCommandsOfAList) {
 
 TEST(Menus, TellWhereACommandIs) {
     const Menu menu = Make("a(b(cd)-)e");
-    struct {
-        char id;
-        int32_t position;
-        const char* holder;
-    } const kRows[] = {{'a', 0, "a(b(cd)-)e"}, {'d', 1, "cd"}, {'b', 0, "b(cd)-"}, {'e', 2, "a(b(cd)-)e"}};
-    for (const auto& row : kRows) {
+    const std::tuple<char, int32_t, const char*> kRows[] = {
+        {'a', 0, "a(b(cd)-)e"}, {'d', 1, "cd"}, {'b', 0, "b(cd)-"}, {'e', 2, "a(b(cd)-)e"}};
+    for (const auto& [id, place, holder] : kRows) {
         HMENU found = nullptr;
         int32_t position = -5;
-        EXPECT_EQ(KtFindSubMenu(menu.Get(), static_cast<uint32_t>(row.id), &found, &position), 1);
-        EXPECT_EQ(position, row.position);
-        EXPECT_EQ(Shape(found), row.holder);
+        EXPECT_EQ(KtFindSubMenu(menu.Get(), static_cast<uint32_t>(id), &found, &position), 1);
+        EXPECT_EQ(position, place);
+        EXPECT_EQ(Shape(found), holder);
         position = -5;
-        EXPECT_EQ(KtGetSubmenuByID(menu.Get(), static_cast<uint32_t>(row.id), &position), found);
-        EXPECT_EQ(position, row.position);
+        EXPECT_EQ(KtGetSubmenuByID(menu.Get(), static_cast<uint32_t>(id), &position), found);
+        EXPECT_EQ(position, place);
     }
     for (const uint32_t id : {uint32_t{'z'}, 0u, 0xFFFFFFFFu}) {
         HMENU found = menu.Get();
@@ -134,8 +126,8 @@ TEST(Menus, TellWhereACommandIs) {
 }
 
 TEST(Menus, ThatAreNoneHaveNoItems) {
-    for (const HMENU wrong :
-         {HMENU{}, reinterpret_cast<HMENU>(uintptr_t{1}), reinterpret_cast<HMENU>(uintptr_t{0x1000})}) {
+    for (const uintptr_t value : {0, 1, 0x1000}) {
+        const auto wrong = reinterpret_cast<HMENU>(value);
         const uint32_t id = 'a';
         EXPECT_EQ(KtCleanMenu(wrong, nullptr, 0), 0);
         KtCullMenu(wrong, &id, 1, 1);
@@ -158,19 +150,10 @@ TEST(Menus, HaveTheirTextsFormattedWithoutArguments) {
     AppendMenuW(menu.Get(), MF_SEPARATOR, 0, nullptr);
     AppendMenuW(menu.Get(), MF_POPUP, reinterpret_cast<ULONG_PTR>(below), W("%%"));
     KtMenuReplaceTokens(menu.Get());
-    const auto text = [](HMENU of, UINT position) {
-        WCHAR out[120];
-        GetMenuStringW(of, position, out, 120, MF_BYPOSITION);
-        return platform::Utf8(out);
-    };
-    for (const HMENU of : {menu.Get(), below}) {
-        EXPECT_EQ(text(of, 0), "100% of $5");
-        EXPECT_EQ(text(of, 1), "[0]00.0");
-        EXPECT_EQ(text(of, 2), platform::Utf8(longest));
-    }
-    EXPECT_EQ(text(menu.Get(), 4), "%");
+    const std::string all = "100% of $5[0]00.0" + platform::Utf8(longest);
+    EXPECT_EQ(Shape(menu.Get()), all + "-(!100% of $5![0]00.0!" + platform::Utf8(longest) + ')');
+    EXPECT_EQ(TextAt(menu.Get(), 4), "%");
     EXPECT_EQ(GetSubMenu(menu.Get(), 4), below);
-    EXPECT_NE(GetMenuState(below, 0, MF_BYPOSITION) & MF_GRAYED, 0u);
     EXPECT_EQ(GetMenuItemID(below, 0), 6u);
 }
 
@@ -180,9 +163,7 @@ TEST_F(LoadedMenu, HasNoMarksAndComesFromTheLanguage) {
     const WCHAR* const name = MAKEINTRESOURCEW(20);
     const Menu base(KtLoadMenu(handle_, name));
     EXPECT_EQ(Shape(base.Get()), "(Open-Save(Below))Help");
-    WCHAR title[10];
-    GetMenuStringW(base.Get(), 0, title, 10, MF_BYPOSITION);
-    EXPECT_EQ(platform::Utf8(title), "File");
+    EXPECT_EQ(TextAt(base.Get(), 0), "File");
     const uint32_t ids[] = {101, 102, 0};
     const Menu culled(KtLoadCulledMenu(handle_, name, ids, -1, 1));
     EXPECT_EQ(Shape(culled.Get()), "(Open)Help");

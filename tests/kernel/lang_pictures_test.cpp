@@ -46,7 +46,7 @@ TEST_F(LangPictures, IconsAreTheNearestInSize) {
     EXPECT_EQ(KtLoadIcon(handle_, kIcon), icon);  // shared
     const ShownIcon usual = Show(icon);
     EXPECT_TRUE(usual.icon);
-    EXPECT_EQ(usual.color.width, 32);
+    ASSERT_EQ(usual.color.width, 32);
     EXPECT_EQ(usual.color.pixels[0], kRed);
     EXPECT_EQ(usual.mask.pixels[0], kBlack);
     EXPECT_EQ(usual.mask.pixels[31 * 32], kWhite);
@@ -54,17 +54,11 @@ TEST_F(LangPictures, IconsAreTheNearestInSize) {
     EXPECT_EQ(KtLoadIcon(nullptr, kIcon), nullptr);
     EXPECT_NE(KtLoadIcon(nullptr, IDI_APPLICATION), nullptr);
 
-    struct {
-        int side;
-        uint32_t color;
-    } const kRows[] = {{2, kBlue}, {4, kRed}, {48, kRed}};
-    for (const auto& row : kRows) {
-        const auto own = static_cast<HICON>(KtLoadImage(handle_, kIcon, IMAGE_ICON, row.side, row.side, 0));
+    for (const auto& [side, color] : {std::pair{2, kBlue}, {4, kRed}, {48, kRed}}) {
+        const auto own = static_cast<HICON>(KtLoadImage(handle_, kIcon, IMAGE_ICON, side, side, 0));
         const ShownIcon shown = Show(own);
-        EXPECT_EQ(shown.color.width, row.side);
-        EXPECT_EQ(shown.color.height, row.side);
-        ASSERT_FALSE(shown.color.pixels.empty());
-        EXPECT_EQ(shown.color.pixels[0], row.color) << row.side;
+        EXPECT_TRUE(shown.color.width == side && shown.color.height == side) << side;
+        EXPECT_EQ(shown.color.pixels.at(0), color) << side;
         EXPECT_TRUE(DestroyIcon(own));
     }
 }
@@ -73,16 +67,13 @@ TEST_F(LangPictures, CursorsKeepTheirHotSpots) {
     const auto own = static_cast<HCURSOR>(KtLoadImage(handle_, kCursor, IMAGE_CURSOR, 8, 8, 0));
     const ShownIcon shown = Show(own);
     EXPECT_FALSE(shown.icon);
-    EXPECT_EQ(shown.hot_x, 3u);
-    EXPECT_EQ(shown.hot_y, 5u);
+    EXPECT_TRUE(shown.hot_x == 3 && shown.hot_y == 5);
     // Black and white: one bitmap, the mask above the picture.
     EXPECT_TRUE(shown.color.pixels.empty());
     ASSERT_EQ(shown.mask.height, 16);
-    std::vector<uint32_t> rows;
-    for (std::size_t y = 0; y < 16; ++y) rows.push_back(shown.mask.pixels[8 * y + 7]);
-    std::vector<uint32_t> expected(16, kBlack);
-    expected[0] = expected[15] = kWhite;
-    EXPECT_EQ(rows, expected);
+    for (std::size_t y = 0; y < 16; ++y) {
+        EXPECT_EQ(shown.mask.pixels[8 * y + 7], y == 0 || y == 15 ? kWhite : kBlack) << y;
+    }
     EXPECT_TRUE(DestroyCursor(own));
 
     EXPECT_EQ(KtLoadCursor(handle_, kCursor), KtLoadCursor(handle_, kCursor));
@@ -108,9 +99,7 @@ TEST_F(LangPictures, KeysAreTheSatellitesBeforeTheBases) {
     EXPECT_EQ(count, 0);
     ASSERT_EQ(KtLang_UpdateKernelLCID(handle_, 0x0411, 0), 1);
     const ACCEL entry = first(kKeys, count);
-    EXPECT_EQ(entry.cmd, 201);
-    EXPECT_EQ(entry.key, 116);
-    EXPECT_EQ(entry.fVirt & 0x7F, 1 | 4 | 8);
+    EXPECT_TRUE(entry.cmd == 201 && entry.key == 116 && (entry.fVirt & 0x7F) == (1 | 4 | 8));
     EXPECT_EQ(KtLoadAccelerators(nullptr, kKeys), nullptr);
 }
 
@@ -121,9 +110,7 @@ TEST_F(LangPictures, ListsCutABitmapUp) {
     const HIMAGELIST list = load(kBitmap, 1, 0x0000FF, IMAGE_BITMAP);  // red lets through
     EXPECT_EQ(ImageList_GetImageCount(list), 2);
     int width = 0, height = 0;
-    EXPECT_TRUE(ImageList_GetIconSize(list, &width, &height));
-    EXPECT_EQ(width, 1);
-    EXPECT_EQ(height, 2);
+    EXPECT_TRUE(ImageList_GetIconSize(list, &width, &height) && width == 1 && height == 2);
     const HICON left = ImageList_GetIcon(list, 0, ILD_TRANSPARENT);
     const HICON right = ImageList_GetIcon(list, 1, ILD_TRANSPARENT);
     EXPECT_EQ(Show(left).mask, (Shown{1, 2, {kWhite, kBlack}}));

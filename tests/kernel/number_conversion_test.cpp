@@ -3,6 +3,7 @@
 
 #include <cmath>
 #include <limits>
+#include <tuple>
 
 #include "kernel/number_text.h"
 #include "kernel/number_to_text.h"
@@ -45,34 +46,28 @@ TEST(NumberToText, WritesEveryType) {
 
 TEST(NumberToText, KeepsToTheSize) {
     const InLocale locale(0x0409);
-    const struct {
-        int32_t size, grouped, result;  // of the forms that tell of a cut
-        const char* text;
-    } rows[] = {{0, 0, 0, "~"},       {1, 0, 0, "~"},       {2, 0, 0, "1"},         {7, 0, 0, "123456"},
-                {8, 0, 7, "1234567"}, {9, 1, 0, "1234567"}, {10, 1, 9, "1,234,567"}};
-    for (const auto& row : rows) {
-        if (row.grouped && !locale.IsSet()) GTEST_SKIP() << locale.Lack();
-        const auto check = [&row](auto call, auto value) {
+    const std::tuple<int32_t, int32_t, int32_t, const char*> rows[] = {
+        {0, 0, 0, "~"},       {1, 0, 0, "~"},       {2, 0, 0, "1"},         {7, 0, 0, "123456"},
+        {8, 0, 7, "1234567"}, {9, 1, 0, "1234567"}, {10, 1, 9, "1,234,567"}};
+    for (const auto& [size, grouped, result, expected] : rows) {
+        if (grouped && !locale.IsSet()) GTEST_SKIP() << locale.Lack();
+        const auto check = [&](auto call, auto value) {
             WCHAR text[20] = {W('~'), 0};
-            EXPECT_EQ(call(value, text, row.size, row.grouped), row.result) << row.size;
-            EXPECT_EQ(platform::Utf8(text), row.text);
+            EXPECT_EQ(call(value, text, size, grouped), result) << size;
+            EXPECT_EQ(platform::Utf8(text), expected);
         };
         check(KtDWordToTextN, 1234567u);
         check(KtLongToTextN, 1234567);
         check(KtLongLongToTextN, int64_t{1234567});
         WCHAR text[20] = {W('~'), 0};
-        const int32_t length = KtDWordLongToTextN(1234567, text, row.size, row.grouped);
-        EXPECT_EQ(static_cast<std::size_t>(length), row.size > 0 ? WStringView(text).size() : 0);
+        const int32_t length = KtDWordLongToTextN(1234567, text, size, grouped);
+        EXPECT_EQ(static_cast<std::size_t>(length), size > 0 ? WStringView(text).size() : 0);
     }
 }
 
 TEST(NumberToText, RoundsDoubles) {
     // Half a step is that of a step in single precision.
-    const struct {
-        double value;
-        int32_t decimals;
-        const char* text;
-    } rows[] = {
+    const std::tuple<double, int32_t, const char*> rows[] = {
         {-0.004, 2, "0.00"}, {-0.006, 2, "-0.01"},
         {-0.005, 2, "0.00"}, {123456.789, 1, "123456.8"},
         {1.999, 2, "2.00"},  {0.0499999994, 1, "0.1"},
@@ -84,9 +79,8 @@ TEST(NumberToText, RoundsDoubles) {
         {0.05, 1, "0.1"},    {-std::numeric_limits<double>::infinity(), 0, "-18446744073709551615"},
         {0.95, 1, "1.0"},
     };
-    for (const auto& row : rows) {
-        EXPECT_EQ(Text([&](WCHAR* out) { return KtDoubleToText(out, row.value, row.decimals, 0); }), row.text)
-            << row.value;
+    for (const auto& [value, decimals, text] : rows) {
+        EXPECT_EQ(Text([&](WCHAR* out) { return KtDoubleToText(out, value, decimals, 0); }), text) << value;
     }
     EXPECT_EQ(Text([](WCHAR* out) { return KtDoubleToTextN(out, 5, 12.345, 3, 0); }), "12.3");
     WCHAR untouched = W('~');
@@ -108,12 +102,8 @@ TEST(NumberText, FormatsWhatTheRuntimePrinted) {
     EXPECT_EQ(KtFormatNumber(nullptr, nullptr, 5), 0);
     const InLocale locale(0x0407);
     if (!locale.IsSet()) GTEST_SKIP() << locale.Lack();
-    const struct {
-        const WCHAR* source;
-        const char *whole, *decimal;
-        const char* grouped;  // decimals as the source has them
-        const char* one;      // one decimal
-    } rows[] = {
+    // Last with one decimal, else with those that the source has.
+    const std::tuple<const WCHAR*, const char*, const char*, const char*, const char*> rows[] = {
         {W("1234567.25"), "1.234.567", "1234567,25", "1.234.567,25", "1.234.567,3"},
         {W("-1234.5"), "-1.235", "-1234,5", "-1.234,5", "-1.234,5"},
         {W("  012345"), "  012.345", "  012345", "  012.345", "  012.345,0"},
@@ -124,27 +114,19 @@ TEST(NumberText, FormatsWhatTheRuntimePrinted) {
         {W("1.#INF"), "", "", "", ""},
         {W("-"), "", "", "", ""},
     };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(platform::Utf8(row.source));
-        EXPECT_EQ(Text([&](WCHAR* out) { return KtFormatNumber(row.source, out, 64); }), row.whole);
-        EXPECT_EQ(Text([&](WCHAR* out) { return KtFormatDecimalNumber(row.source, out, 64); }), row.decimal);
-        EXPECT_EQ(Text([&](WCHAR* out) { return KtFormatGroupDecimalNumber(row.source, out, 64, -1); }), row.grouped);
-        EXPECT_EQ(Text([&](WCHAR* out) { return KtFormatGroupDecimalNumber(row.source, out, 64, 1); }), row.one);
+    for (const auto& [source, whole, decimal, grouped, one] : rows) {
+        SCOPED_TRACE(platform::Utf8(source));
+        EXPECT_EQ(Text([&](WCHAR* out) { return KtFormatNumber(source, out, 64); }), whole);
+        EXPECT_EQ(Text([&](WCHAR* out) { return KtFormatDecimalNumber(source, out, 64); }), decimal);
+        EXPECT_EQ(Text([&](WCHAR* out) { return KtFormatGroupDecimalNumber(source, out, 64, -1); }), grouped);
+        EXPECT_EQ(Text([&](WCHAR* out) { return KtFormatGroupDecimalNumber(source, out, 64, 1); }), one);
     }
 }
 
 TEST(TextToNumber, ReadsFromTheFront) {
     const InLocale locale(0x0409);
     if (!locale.IsSet()) GTEST_SKIP() << locale.Lack();
-    const struct {
-        const WCHAR* text;
-        uint32_t u32;
-        uint64_t u64;
-        int32_t i32;
-        int64_t i64;
-        double number;
-        int stopped;
-    } rows[] = {
+    const std::tuple<const WCHAR*, uint32_t, uint64_t, int32_t, int64_t, double, int> rows[] = {
         {W(""), 0, 0, 0, 0, 0, 0},
         {W("  42 x"), 42, 42, 42, 42, 42, 4},
         {W("1,234,567"), 1234567, 1234567, 1234567, 1234567, 1234567, 9},
@@ -161,19 +143,19 @@ TEST(TextToNumber, ReadsFromTheFront) {
         {W("18446744073709551617"), 1, 1, kMost32, kMost64, 18446744073709551617.0, 20},
         {W("-99999999999999999999"), 0, 0, kLeast32, kLeast64, -99999999999999999999.0, 21},
     };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(platform::Utf8(row.text));
+    for (const auto& [text, u32, u64, i32, i64, number, stopped] : rows) {
+        SCOPED_TRACE(platform::Utf8(text));
         const WCHAR* end = nullptr;
         const auto check = [&](auto value, auto expected) {
             EXPECT_EQ(value, expected);
-            EXPECT_EQ(end - row.text, row.stopped);
+            EXPECT_EQ(end - text, stopped);
         };
-        check(KtTextToDWordToken(row.text, &end), row.u32);
-        check(KtTextToDWordLongToken(row.text, &end), row.u64);
-        check(KtTextToLongToken(row.text, &end), row.i32);
-        check(KtTextToLongLongToken(row.text, &end), row.i64);
-        check(KtTextToDoubleToken(row.text, &end, 1), row.number);
-        check(KtTextToDoubleToken(row.text, &end, 0), row.number);
+        check(KtTextToDWordToken(text, &end), u32);
+        check(KtTextToDWordLongToken(text, &end), u64);
+        check(KtTextToLongToken(text, &end), i32);
+        check(KtTextToLongLongToken(text, &end), i64);
+        check(KtTextToDoubleToken(text, &end, 1), number);
+        check(KtTextToDoubleToken(text, &end, 0), number);
     }
     // Digits beyond the 63rd are passed over.
     const WString zeros = WString(62, W('0')) + W("123");
@@ -198,47 +180,38 @@ TEST(TextToNumber, FollowsTheLocale) {
 }
 
 TEST(TextToNumber, ReadsHexadecimal) {
-    const struct {
-        const WCHAR* text;
-        uint32_t u32;
-        uint64_t u64;
-        int stopped;
-    } rows[] = {{W("0X1f"), 31, 31, 4}, {W("g"), 0, 0, 0},  {W(" \tAbC,"), 0xABC, 0xABC, 5},
-                {W("0x"), 0, 0, 2},     {W("-1"), 0, 0, 0}, {W("123456789a"), 0x3456789A, 0x123456789A, 10},
-                {W("0x0x1"), 0, 0, 3}};
-    for (const auto& row : rows) {
+    const std::tuple<const WCHAR*, uint32_t, uint64_t, int> rows[] = {
+        {W("0X1f"), 31, 31, 4}, {W("g"), 0, 0, 0},  {W(" \tAbC,"), 0xABC, 0xABC, 5},
+        {W("0x"), 0, 0, 2},     {W("-1"), 0, 0, 0}, {W("123456789a"), 0x3456789A, 0x123456789A, 10},
+        {W("0x0x1"), 0, 0, 3}};
+    for (const auto& [text, u32, u64, stopped] : rows) {
         const WCHAR* end = nullptr;
-        EXPECT_EQ(KtHexToDWordToken(row.text, &end), row.u32);
-        EXPECT_EQ(end - row.text, row.stopped);
-        EXPECT_EQ(KtHexToDWordLongToken(row.text, &end), row.u64);
-        EXPECT_EQ(end - row.text, row.stopped);
+        EXPECT_EQ(KtHexToDWordToken(text, &end), u32);
+        EXPECT_EQ(end - text, stopped);
+        EXPECT_EQ(KtHexToDWordLongToken(text, &end), u64);
+        EXPECT_EQ(end - text, stopped);
     }
 }
 
 TEST(TextToNumber, HoldsValuesAtTheirLimits) {
     const InLocale locale(0x0409);
-    const struct {
-        const WCHAR* text;
-        int32_t minimum, maximum;
-        int32_t value;  // with a default of 7
-        int stopped;
-    } rows[] = {{W("abc"), 0, 100, 7, 0},  {W(""), 5, 100, 5, 0},    {W("0 x"), 0, 100, 0, 1},
-                {W("0x"), 0, 100, 7, 1},   {W("50"), 0, 100, 50, 2}, {W("500"), 0, 100, 100, 3},
-                {W("abc"), 10, 20, 10, 0}, {W("1"), 20, 10, 20, 1},  {W("  "), 0, 100, 0, 2}};
-    for (const auto& row : rows) {
-        SCOPED_TRACE(platform::Utf8(row.text));
+    // With a default of 7.
+    const std::tuple<const WCHAR*, int32_t, int32_t, int32_t, int> rows[] = {
+        {W("abc"), 0, 100, 7, 0},  {W(""), 5, 100, 5, 0},    {W("0 x"), 0, 100, 0, 1},
+        {W("0x"), 0, 100, 7, 1},   {W("50"), 0, 100, 50, 2}, {W("500"), 0, 100, 100, 3},
+        {W("abc"), 10, 20, 10, 0}, {W("1"), 20, 10, 20, 1},  {W("  "), 0, 100, 0, 2}};
+    for (const auto& [text, least, most, expected, stopped] : rows) {
+        SCOPED_TRACE(platform::Utf8(text));
         const WCHAR* end = nullptr;
         const auto check = [&](auto value) {
-            EXPECT_EQ(value, static_cast<decltype(value)>(row.value));
-            EXPECT_EQ(end - row.text, row.stopped);
+            EXPECT_EQ(value, static_cast<decltype(value)>(expected));
+            EXPECT_EQ(end - text, stopped);
         };
-        const auto minimum = static_cast<uint32_t>(row.minimum);
-        const auto maximum = static_cast<uint32_t>(row.maximum);
-        check(KtTextToDWordTokenEx(row.text, 7, minimum, maximum, &end));
-        check(KtTextToDWordLongTokenEx(row.text, 7, minimum, maximum, &end));
-        check(KtTextToLongTokenEx(row.text, 7, row.minimum, row.maximum, &end));
-        check(KtTextToLongLongTokenEx(row.text, 7, row.minimum, row.maximum, &end));
-        check(KtTextToDoubleTokenEx(row.text, 7, row.minimum, row.maximum, &end, 1));
+        check(KtTextToDWordTokenEx(text, 7, static_cast<uint32_t>(least), static_cast<uint32_t>(most), &end));
+        check(KtTextToDWordLongTokenEx(text, 7, static_cast<uint32_t>(least), static_cast<uint32_t>(most), &end));
+        check(KtTextToLongTokenEx(text, 7, least, most, &end));
+        check(KtTextToLongLongTokenEx(text, 7, least, most, &end));
+        check(KtTextToDoubleTokenEx(text, 7, least, most, &end, 1));
     }
     EXPECT_EQ(KtTextToLongTokenEx(W("-5"), 7, -3, 3, nullptr), -3);
     EXPECT_EQ(KtHexToDWordTokenEx(W("xyz"), 7, 0, 100, nullptr), 7u);

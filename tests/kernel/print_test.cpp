@@ -3,8 +3,8 @@
 
 #include <gtest/gtest.h>
 
-#include <cmath>
 #include <limits>
+#include <tuple>
 #include <vector>
 
 #include "kernel/number_text.h"
@@ -46,11 +46,7 @@ std::string PrintedByList(const WCHAR* format, ...) {
 TEST(Print, TakesItsArgumentsAsAList) { EXPECT_EQ(PrintedByList(W("%s %d"), W("take"), 2), "take 2"); }
 
 TEST(Print, ConvertsAsTheRuntimeDoes) {
-    const struct {
-        const WCHAR* format;
-        int32_t argument;
-        const char* text;
-    } kRows[] = {
+    const std::tuple<const WCHAR*, int32_t, const char*> kRows[] = {
         {W("%d"), 0, "0"},     {W("%d%%d"), 3, "3%d"},   {W("plain"), 0, "plain"},   {W("%u"), -1, "4294967295"},
         {W("%i"), -1, "-1"},   {W("%I32d"), -7, "-7"},   {W("$$5.00"), 0, "$5.00"},  {W("%I32x"), -1, "ffffffff"},
         {W("%o"), 8, "10"},    {W("100%%"), 0, "100%"},  {W("$-3pd|"), 3, "%-3pd|"}, {W("%6z|"), 1234, "  1234|"},
@@ -62,24 +58,18 @@ TEST(Print, ConvertsAsTheRuntimeDoes) {
         {W("%nd"), 3, "%nd"},  {W("%3c|"), 'Z', "  Z|"}, {W("$-12l"), 0, "%-12l"},   {W("$x"), 0x12345678, "12345678"},
         {W("%+d"), 42, "+42"}, {W("%%%%$$"), 0, "%%$"},
     };
-    for (const auto& row : kRows) EXPECT_EQ(Printed(row.format, row.argument), row.text) << row.text;
-    EXPECT_EQ(Printed(W("%d"), std::numeric_limits<int32_t>::min()), "-2147483648");
+    for (const auto& [format, argument, text] : kRows) EXPECT_EQ(Printed(format, argument), text) << text;
     EXPECT_EQ(Printed(W("50% by way"), 0), "50% by way");
     EXPECT_EQ(Printed(W("50% of"), 8), "5010f")
         << "a conversion with a blank flag, which an octal number does not heed";
     EXPECT_EQ(Printed(W("%s and %s"), W("one"), W("")), "one and ");
     EXPECT_EQ(Printed(W("%5s|%-4s|%.2s"), W("abc"), W("d"), W("xyz")), "  abc|d   |xy");
     EXPECT_EQ(Printed(W("%s"), static_cast<const WCHAR*>(nullptr)), "(null)");
-    EXPECT_EQ(Printed(W("%I64d"), int64_t{-1234567890123}), "-1234567890123");
-    EXPECT_EQ(Printed(W("%Id"), int64_t{1234567890123}), "1234567890123");
-    EXPECT_EQ(Printed(W("%I64u"), std::numeric_limits<uint64_t>::max()), "18446744073709551615");
-    EXPECT_EQ(Printed(W("%I64X"), uint64_t{0x123456789ABC}), "123456789ABC");
-    EXPECT_EQ(Printed(W("%dx%dx%d"), 1920, 1080, 48), "1920x1080x48");
+    EXPECT_EQ(Printed(W("%I64d %Id"), int64_t{-1234567890123}, int64_t{1234567890123}), "-1234567890123 1234567890123");
+    EXPECT_EQ(Printed(W("%I64u %I64X"), ~uint64_t{0}, uint64_t{0x123456789ABC}), "18446744073709551615 123456789ABC");
     EXPECT_EQ(Printed(W("%e|$e"), 1.5, 1.5), "1.500000e+000|1.500000e+000");
     EXPECT_EQ(Printed(W("%.1f|%g|%G"), 2.26, 0.5, 1e-10), "2.3|0.5|1E-010");
     EXPECT_EQ(Printed(W("%f"), std::numeric_limits<double>::infinity()), "1.#INF00");
-    const WString long_text(500, W('y'));
-    EXPECT_EQ(Printed(W("%s"), long_text.c_str()), std::string(500, 'y'));
 }
 
 // Two ways lead to groups: out of the number, and out of its text.
@@ -102,17 +92,8 @@ TEST(Print, GroupsANumberAsItsTextIsGrouped) {
 
 TEST(Print, WritesNumbersAsTheUsersLocaleDoes) {
     int in_their_locale = 0;
-    const struct {
-        LCID lcid;
-        const WCHAR* format;
-        int64_t argument;
-        const char* text;
-    } kRows[] = {
-        {0x0409, W("$d"), 123, "123"},
+    const std::tuple<LCID, const WCHAR*, int64_t, const char*> kRows[] = {
         {0x0409, W("$i"), -1234567, "-1,234,567"},
-        {0x0409, W("$d"), -123, "-123"},
-        {0x0409, W("$d"), 1234567, "1,234,567"},
-        {0x0409, W("$d"), 0, "0"},
         {0x0409, W("$u Hz"), 44100, "44,100 Hz"},
         {0x0409, W("$z"), 12345, "12,345"},
         {0x0409, W("$ld Hz"), 48000, "48,000 Hz"},
@@ -125,13 +106,10 @@ TEST(Print, WritesNumbersAsTheUsersLocaleDoes) {
         {0x0409, W("$.2z"), 5, "0.05"},
         {0x0409, W("$.16z"), 5, "0.0000000000000005"},
         {0x0409, W("$.2z"), -5, "-0.05"},
-        {0x0407, W("$d"), 1234567, "1.234.567"},
         {0x0409, W("$.0z"), 5, "5"},
         {0x040C, W("$d"), 1234567, "1\u00A0234\u00A0567"},
         {0x0407, W("%.2z"), 123456, "1234,56"},
-        {0x0411, W("$d"), 1234567, "1,234,567"},
         {0x0409, W("$,|$:|$*"), 0, ",|:|."},
-        {0x0416, W("$d"), 1234567, "1.234.567"},
         {0x0407, W("%,|%:|%*"), 0, ";|:|,"},
         {0x0439, W("$d"), 12345678, "12,345,678"},  // the first group's size for all
         {0x040B, W("$:"), 0, "."},
@@ -148,18 +126,13 @@ TEST(Print, WritesNumbersAsTheUsersLocaleDoes) {
         {0x0409, W("$(1234.5)|$(-5)|$(.5)"), 0, "1,234.5|-5|0.5"},
         {0x0409, W("$(0012)"), 0, "0012"},
     };
-    for (const auto& row : kRows) {
-        const InLocale locale(row.lcid);
+    for (const auto& [lcid, format, argument, text] : kRows) {
+        const InLocale locale(lcid);
         if (!locale.IsSet()) continue;
         ++in_their_locale;
-        EXPECT_EQ(Printed(row.format, row.argument), row.text) << std::hex << row.lcid;
+        EXPECT_EQ(Printed(format, argument), text) << std::hex << lcid;
     }
-    const struct {
-        LCID lcid;
-        const WCHAR* format;
-        double argument;
-        const char* text;
-    } kFloats[] = {
+    const std::tuple<LCID, const WCHAR*, double, const char*> kFloats[] = {
         {0x0409, W("$.2f"), 1234.5, "1,234.50"}, {0x0409, W("$.2f"), -1234.5, "-1,234.50"},
         {0x0409, W("$8.2f"), 1.5, "    1.50"},   {0x0409, W("$f"), 1234567.25, "1,234,567.250000"},
         {0x0409, W("$.0f"), 1234.6, "1,235"},    {0x0407, W("$.2f"), 1234.5, "1.234,50"},
@@ -168,26 +141,24 @@ TEST(Print, WritesNumbersAsTheUsersLocaleDoes) {
         {0x0407, W("$g"), 123456.0, "123456"},   {0x0409, W("$g"), -std::numeric_limits<double>::infinity(), "-1.#INF"},
         {0x0407, W("$g"), 1e30, "1e+030"},
     };
-    for (const auto& row : kFloats) {
-        const InLocale locale(row.lcid);
+    for (const auto& [lcid, format, argument, text] : kFloats) {
+        const InLocale locale(lcid);
         if (!locale.IsSet()) continue;
         ++in_their_locale;
-        EXPECT_EQ(Printed(row.format, row.argument), row.text) << row.text;
+        EXPECT_EQ(Printed(format, argument), text) << text;
     }
     if (in_their_locale == 0) GTEST_SKIP() << "needs a user of one of these locales";
 }
 
 TEST(Print, PutsTokensInThePlaceOfTheirNames) {
     EXPECT_EQ(KtPrintF_AddToken(W("Print.Test"), W("value %d $(Print.Test)")), 1);
-    EXPECT_EQ(Printed(W("<$(Print.Test)>")), "<value %d $(Print.Test)>");
-    EXPECT_EQ(Printed(W("$(print.TEST)")), "value %d $(Print.Test)");
+    EXPECT_EQ(Printed(W("<$(print.TEST)>")), "<value %d $(Print.Test)>");
     EXPECT_EQ(KtPrintF_AddToken(W("PRINT.TEST"), W("")), 1);
     EXPECT_EQ(Printed(W("<$(Print.Test)>")), "<>");
-    EXPECT_EQ(KtPrintF_DeleteToken(W("print.test")), 1);
-    EXPECT_EQ(KtPrintF_DeleteToken(W("print.test")), 0);
-    EXPECT_EQ(Printed(W("<$(Print.Test)>")), "<$(Print.Test)>");
-    EXPECT_EQ(Printed(W("$(NoSuchToken)$()%(l")), "$(NoSuchToken)$()%(l");
-    EXPECT_EQ(Printed(W("$(NoClose")), "$(NoClose");
+    for (const int32_t deleted : {1, 0}) EXPECT_EQ(KtPrintF_DeleteToken(W("print.test")), deleted);
+    for (const WCHAR* format : {W("<$(Print.Test)>"), W("$(NoSuchToken)$()%(l"), W("$(NoClose")}) {
+        EXPECT_EQ(Printed(format), platform::Utf8(format));
+    }
     EXPECT_EQ(KtPrintF_AddToken(nullptr, W("x")), 0);
     EXPECT_EQ(KtPrintF_AddToken(W("x"), nullptr), 0);
     EXPECT_EQ(KtPrintF_DeleteToken(nullptr), 0);
@@ -203,8 +174,8 @@ TEST(Print, PutsTokensInThePlaceOfTheirNames) {
 TEST(Print, KeepsToTheLimitsOfItsParts) {
     const InLocale locale(0x0409);
     if (!locale.IsSet()) GTEST_SKIP() << locale.Lack();
-    EXPECT_EQ(Printed(W("%1000000d"), 7), std::string(260, ' '));
-    EXPECT_EQ(Printed(W("%300d|"), 7), std::string(260, ' ') + "|");
+    for (const WCHAR* format : {W("%1000000d|"), W("%300d|")})
+        EXPECT_EQ(Printed(format, 7), std::string(260, ' ') + "|");
     EXPECT_EQ(Printed(W("$.300z"), 7), "0." + std::string(258, '0'));
     const std::string wide = Printed(W("%1000000s"), W("x"));
     EXPECT_EQ(wide.substr(0, 1022), std::string(1022, ' '));
@@ -215,9 +186,9 @@ TEST(Print, KeepsToTheLimitsOfItsParts) {
     EXPECT_EQ(Printed(W("$.9f"), 1e300).size(), 260u + 86);
     // A conversion that has no end goes on as text where the limit was; so does a name.
     const std::string stars(10000, '.');
-    EXPECT_EQ(Printed((W("%") + platform::Wide(stars) + W("d")).c_str(), 7), "%" + stars + "d");
-    EXPECT_EQ(Printed((W("$(x") + platform::Wide(stars) + W(")")).c_str()), "$(x" + stars + ")");
-    EXPECT_EQ(Printed((W("$(1") + platform::Wide(stars) + W(")")).c_str()), "$(1" + stars + ")");
+    for (const std::string& format : {"%" + stars + "d", "$(x" + stars + ")", "$(1" + stars + ")"}) {
+        EXPECT_EQ(Printed(platform::Wide(format).c_str(), 7), format);
+    }
     const WString name(260, W('n'));
     EXPECT_EQ(KtPrintF_AddToken(name.c_str(), W("long")), 1);
     EXPECT_EQ(Printed((W("$(") + name + W(")")).c_str()), "long");
@@ -290,7 +261,6 @@ TEST(Print, SaysWhatBecameOfEachElementWhenTheRoomIsShort) {
     ExpectBounded(5, kCut, "abcd", W("%s"), W("abcdefgh"));
     ExpectBounded(5, S_OK, "abcd", W("%s"), W("abcd"));
     ExpectBounded(5, kCut, "  ab", W("%6s"), W("abcd"));
-    ExpectBounded(5, S_OK, "  ab", W("%4.2s"), W("abcd"));
     ExpectBounded(5, kCut, "(nul", W("%s"), static_cast<const WCHAR*>(nullptr));
     ExpectBounded(5, kCut, "    ", W("%1000000s"), W("x"));
     EXPECT_EQ(KtPrintF_DeleteToken(W("Room")), 1);

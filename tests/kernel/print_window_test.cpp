@@ -99,8 +99,7 @@ TEST_F(PrintWindow, LeavesAControlAloneThatHasTheText) {
     const HWND control = Child(W("printwindowcounting"), 0, 20);
     ASSERT_TRUE(control);
     g_texts_set = 0;
-    EXPECT_EQ(KtSetDlgItemTextNoFlashF(dialog_, 20, W("%d"), 5), 1);
-    EXPECT_EQ(KtSetDlgItemTextNoFlashF(dialog_, 20, W("%d"), 5), 1);
+    for (int i = 0; i < 2; ++i) EXPECT_EQ(KtSetDlgItemTextNoFlashF(dialog_, 20, W("%d"), 5), 1);
     EXPECT_EQ(KtSetDlgItemTextNoFlashNoF(dialog_, 20, W("5")), 1);
     EXPECT_EQ(g_texts_set, 1);
     EXPECT_EQ(KtSetDlgItemTextNoFlashNoF(dialog_, 20, W("6")), 1);
@@ -109,8 +108,9 @@ TEST_F(PrintWindow, LeavesAControlAloneThatHasTheText) {
     const WString longest(8191, W('x'));
     for (const auto& [text, sets] : {std::pair{longest, 1}, {longest + W("x"), 2}}) {
         g_texts_set = 0;
-        EXPECT_EQ(KtSetDlgItemTextNoFlashF(dialog_, 20, text.c_str()), static_cast<int32_t>(text.size()));
-        EXPECT_EQ(KtSetDlgItemTextNoFlashF(dialog_, 20, text.c_str()), static_cast<int32_t>(text.size()));
+        for (int i = 0; i < 2; ++i) {
+            EXPECT_EQ(KtSetDlgItemTextNoFlashF(dialog_, 20, text.c_str()), static_cast<int32_t>(text.size()));
+        }
         EXPECT_EQ(g_texts_set, sets);
     }
     EXPECT_TRUE(DestroyWindow(control));

@@ -94,6 +94,18 @@ Template WithControls(bool extended, uint32_t style, const WCHAR* last_class = W
     return made;
 }
 
+// Left, top, width and height.
+using Place = std::vector<LONG>;
+Place PlaceIn(const RECT& outer, HWND window) {
+    RECT place{};
+    EXPECT_TRUE(GetWindowRect(window, &place));
+    return {place.left - outer.left, place.top - outer.top, place.right - place.left, place.bottom - place.top};
+}
+Place InPixels(HWND dialog, RECT units) {
+    EXPECT_TRUE(MapDialogRect(dialog, &units));
+    return {units.left, units.top, units.right, units.bottom};
+}
+
 TEST_F(Dialogs, AreMadeOfTheirTemplates) {
     for (const bool extended : {false, true}) {
         told_ = {};
@@ -113,45 +125,17 @@ TEST_F(Dialogs, AreMadeOfTheirTemplates) {
         EXPECT_NE(font, 0);
         RECT outline{};
         EXPECT_TRUE(GetWindowRect(dialog, &outline));
-        RECT size{9, 7, 101, 53};
-        EXPECT_TRUE(MapDialogRect(dialog, &size));
-        EXPECT_EQ(outline.left, size.left);
-        EXPECT_EQ(outline.top, size.top);
-        EXPECT_EQ(outline.right - outline.left, size.right);
-        EXPECT_EQ(outline.bottom - outline.top, size.bottom);
+        EXPECT_EQ(InPixels(dialog, {9, 7, 101, 53}), PlaceIn({}, dialog));
         for (int id = 1; id <= 4; ++id) {
             const HWND control = GetDlgItem(dialog, id);
             EXPECT_EQ(GetParent(control), dialog);
-            RECT place{};
-            EXPECT_TRUE(GetWindowRect(control, &place));
-            RECT wanted{4 * id - 3, 2, 33, 12};
-            MapDialogRect(dialog, &wanted);
-            EXPECT_EQ(place.left - outline.left, wanted.left) << id;
-            EXPECT_EQ(place.top - outline.top, wanted.top) << id;
-            EXPECT_EQ(place.right - place.left, wanted.right) << id;
-            EXPECT_EQ(place.bottom - place.top, wanted.bottom) << id;
-            if (id < 4) {
-                EXPECT_EQ(SendMessageW(control, WM_GETFONT, 0, 0), font) << id;
-            }
+            EXPECT_EQ(InPixels(dialog, {4 * id - 3, 2, 33, 12}), PlaceIn(outline, control)) << id;
+            EXPECT_EQ(SendMessageW(control, WM_GETFONT, 0, 0), id < 4 ? font : 0) << id;
         }
         EXPECT_EQ(SendMessageW(dialog, kAsk, 1, 0), 77);
         EXPECT_EQ(SendMessageW(dialog, kAsk, 0, 0), 0);
         EXPECT_TRUE(DestroyWindow(dialog));
     }
-}
-
-TEST_F(Dialogs, HaveTheFramesOfTheirStyles) {
-    const Template source = WithControls(true, kStyle | WS_CAPTION | DS_MODALFRAME);
-    const HWND dialog = CreateDialogIndirectParamW(nullptr, source.Get(), GetDesktopWindow(), Procedure, 0);
-    ASSERT_TRUE(dialog);
-    RECT size{0, 0, 101, 53};
-    MapDialogRect(dialog, &size);
-    EXPECT_TRUE(AdjustWindowRectEx(&size, kStyle | WS_CAPTION, FALSE, WS_EX_DLGMODALFRAME));
-    RECT outline{};
-    EXPECT_TRUE(GetWindowRect(dialog, &outline));
-    EXPECT_EQ(outline.right - outline.left, size.right - size.left);
-    EXPECT_EQ(outline.bottom - outline.top, size.bottom - size.top);
-    EXPECT_TRUE(DestroyWindow(dialog));
 }
 
 INT_PTR CALLBACK EndAtOnce(HWND dialog, UINT message, WPARAM, LPARAM lparam) {

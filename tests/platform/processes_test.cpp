@@ -1,7 +1,11 @@
 #include <gtest/gtest.h>
+#ifndef _WIN32
+#include <sys/mman.h>
+#include <unistd.h>
+#endif
 
-#include <cstring>
-#include <iostream>
+#include <tuple>
+#include <utility>
 
 #include "platform/scoped.h"
 #include "support/child_roles.h"
@@ -9,94 +13,10 @@
 
 namespace {
 
-using support::ChildProcess;
 using support::ErrorOf;
 
 constexpr DWORD kMemory = PROCESS_VM_OPERATION | PROCESS_VM_READ | PROCESS_VM_WRITE;
 constexpr DWORD kSize = 3 * 65536 + 100;
-
-template <class T>
-std::string AsText(T value) {
-    return std::to_string(reinterpret_cast<std::uint64_t>(value));
-}
-template <class T>
-T FromText(const std::string& text) {
-    return reinterpret_cast<T>(std::stoull(text));
-}
-
-CHILD_ROLE(echo_arguments) {
-    std::string line;
-    while (std::getline(std::cin, line) && line != "go") {
-    }
-    for (const std::string& argument : arguments) std::cout << argument << '\n' << std::flush;
-    return 42;
-}
-
-CHILD_ROLE(wait_for_ever) {
-    std::cout << "ready\n" << std::flush;
-    std::string line;
-    std::getline(std::cin, line);
-    return 7;
-}
-
-// Fills the mapping of its parent, named by process id and handle value, and counts what it finds wrong.
-CHILD_ROLE(fill_mapping) {
-    platform::ScopedHandle parent(OpenProcess(PROCESS_DUP_HANDLE, FALSE, static_cast<DWORD>(std::stoul(arguments[0]))));
-    if (!parent) return 2;
-    platform::ScopedHandle mapping;
-    if (!DuplicateHandle(parent.Get(), FromText<HANDLE>(arguments[1]), GetCurrentProcess(), mapping.Out(), 0, FALSE,
-                         DUPLICATE_SAME_ACCESS)) {
-        return 3;
-    }
-    platform::ScopedView view(MapViewOfFile(mapping.Get(), FILE_MAP_READ | FILE_MAP_WRITE, 0, 0, kSize));
-    auto* const bytes = static_cast<unsigned char*>(view.Get());
-    if (!bytes) return 4;
-    if (bytes[0] != 0xAA || bytes[kSize - 1] != 0xAA) return 5;
-    std::memset(bytes, 0x55, kSize);
-    // A handle value that means nothing in the parent, and one that is no mapping.
-    HANDLE wrong = nullptr;
-    const HANDLE bad = reinterpret_cast<HANDLE>(std::stoull(arguments[1]) + 0x1000000);
-    if (DuplicateHandle(parent.Get(), bad, GetCurrentProcess(), &wrong, 0, FALSE, DUPLICATE_SAME_ACCESS)) return 6;
-    return GetLastError() == ERROR_INVALID_HANDLE ? 0 : 7;
-}
-
-// Reads the parent's memory, doubles each byte and writes it back.
-CHILD_ROLE(double_memory) {
-    platform::ScopedHandle parent(OpenProcess(kMemory, FALSE, static_cast<DWORD>(std::stoul(arguments[0]))));
-    if (!parent) return 2;
-    std::vector<unsigned char> copy(std::stoul(arguments[2]));
-    SIZE_T moved = 0;
-    if (!ReadProcessMemory(parent.Get(), FromText<void*>(arguments[1]), copy.data(), copy.size(), &moved)) return 3;
-    if (moved != copy.size()) return 4;
-    for (unsigned char& byte : copy) byte = static_cast<unsigned char>(2 * byte);
-    if (!WriteProcessMemory(parent.Get(), FromText<void*>(arguments[1]), copy.data(), copy.size(), &moved)) return 5;
-    return moved == copy.size() ? 0 : 6;
-}
-
-TEST(Processes, PassArgumentsOutputAndExitCode) {
-    const std::vector<std::string> arguments = {
-        "plain", "", "two words", "quo\"te", "back\\slash", "end\\", "\\\"", "a\\\\b c\\\\", "\t", "\"\"",
-    };
-    ChildProcess child("echo_arguments", arguments);
-    ASSERT_TRUE(child.Started());
-    DWORD code = 0;
-    EXPECT_TRUE(GetExitCodeProcess(child.Process(), &code));
-    EXPECT_EQ(code, STILL_ACTIVE);
-    EXPECT_EQ(WaitForSingleObject(child.Process(), 0), WAIT_TIMEOUT);
-    EXPECT_EQ(WaitForSingleObject(child.Process(), 1), WAIT_TIMEOUT);
-    EXPECT_TRUE(child.WriteLine("go"));
-    for (const std::string& argument : arguments) EXPECT_EQ(child.ReadLine(), argument);
-    EXPECT_EQ(child.Wait(), 42u);
-    EXPECT_EQ(WaitForSingleObject(child.Process(), INFINITE), WAIT_OBJECT_0);
-    EXPECT_FALSE(child.WriteLine("nobody reads this"));
-}
-
-TEST(Processes, TerminateGivesTheCode) {
-    ChildProcess child("wait_for_ever");
-    EXPECT_EQ(child.ReadLine(), "ready");
-    EXPECT_TRUE(TerminateProcess(child.Process(), 1234));
-    EXPECT_EQ(child.Wait(), 1234u);
-}
 
 TEST(Processes, OpenRefusesWhatIsNone) {
     for (const DWORD id : {0u, 0xFFFFFFFCu, 0x7FFFFFFCu}) {
@@ -105,54 +25,23 @@ TEST(Processes, OpenRefusesWhatIsNone) {
     }
 }
 
-TEST(Processes, RightsCount) {
-    ChildProcess child("wait_for_ever");
-    EXPECT_EQ(child.ReadLine(), "ready");
-    const platform::ScopedHandle process(OpenProcess(PROCESS_DUP_HANDLE, FALSE, child.Id()));
-    ASSERT_TRUE(process);
-    char c = 0;
-    SIZE_T moved = 9;
-    EXPECT_EQ(ErrorOf(ReadProcessMemory(process.Get(), &c, &c, 1, &moved)), ERROR_ACCESS_DENIED);
-    EXPECT_EQ(ErrorOf(TerminateProcess(process.Get(), 1)), ERROR_ACCESS_DENIED);
-    EXPECT_EQ(child.Wait(), 7u);
-}
-
-TEST(Mappings, AreReachedFromAnotherProcess) {
-    const platform::ScopedHandle mapping(
-        CreateFileMappingW(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0, kSize, nullptr));
-    ASSERT_TRUE(mapping);
-    const platform::ScopedView view(MapViewOfFile(mapping.Get(), FILE_MAP_READ | FILE_MAP_WRITE, 0, 0, 0));
-    auto* const bytes = static_cast<unsigned char*>(view.Get());
-    ASSERT_NE(bytes, nullptr);
-    std::memset(bytes, 0xAA, kSize);
-    ChildProcess child("fill_mapping", {std::to_string(GetCurrentProcessId()), AsText(mapping.Get())});
-    ASSERT_TRUE(child.Started());
-    EXPECT_EQ(child.Wait(), 0u);
-    EXPECT_EQ(bytes[0], 0x55);
-    EXPECT_EQ(bytes[kSize - 1], 0x55);
-}
-
 TEST(Mappings, ViewsAndTheirLimits) {
     const platform::ScopedHandle mapping(
         CreateFileMappingW(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0, kSize, nullptr));
     constexpr DWORD kMappedAlignment = 1132;
-    const struct {
-        DWORD access, offset;
-        SIZE_T bytes;
-        DWORD error;
-    } rows[] = {
+    const std::tuple<DWORD, DWORD, SIZE_T, DWORD> rows[] = {
         {FILE_MAP_READ | FILE_MAP_WRITE, 2 * 65536, 65536, 0},       {FILE_MAP_READ, 0, 0, 0},
         {FILE_MAP_READ, 0, kSize + 65536, ERROR_ACCESS_DENIED},      {FILE_MAP_WRITE, 0, kSize, 0},
         {FILE_MAP_READ, 0, ~SIZE_T{0} - 65536, ERROR_ACCESS_DENIED}, {FILE_MAP_READ, 3 * 65536, 0, 0},
         {FILE_MAP_READ, 5 * 65536, 0, ERROR_ACCESS_DENIED},          {FILE_MAP_READ, 100, 10, kMappedAlignment},
     };
-    for (const auto& row : rows) {
+    for (const auto& [access, offset, bytes, error] : rows) {
         SetLastError(0);
-        const platform::ScopedView view(MapViewOfFile(mapping.Get(), row.access, 0, row.offset, row.bytes));
-        EXPECT_EQ(static_cast<bool>(view), row.error == 0) << row.offset << ' ' << row.bytes;
+        const platform::ScopedView view(MapViewOfFile(mapping.Get(), access, 0, offset, bytes));
+        EXPECT_EQ(static_cast<bool>(view), error == 0) << offset << ' ' << bytes;
         // Which number stands for a view past the end is not told.
-        const bool is_told = row.error != ERROR_ACCESS_DENIED;
-        EXPECT_TRUE(is_told ? GetLastError() == row.error : GetLastError() != 0) << row.offset << ' ' << row.bytes;
+        const bool is_told = error != ERROR_ACCESS_DENIED;
+        EXPECT_TRUE(is_told ? GetLastError() == error : GetLastError() != 0) << offset << ' ' << bytes;
     }
     EXPECT_EQ(ErrorOf(CreateFileMappingW(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0, 0, nullptr)),
               ERROR_INVALID_PARAMETER);
@@ -173,15 +62,71 @@ TEST(Mappings, AViewOutlivesItsHandleAndEndsOnce) {
     EXPECT_EQ(ErrorOf(UnmapViewOfFile(bytes)), ERROR_INVALID_ADDRESS);
 }
 
-TEST(ProcessMemory, MovesBothWays) {
-    // A mapping is made somewhere in the life of a process that lends its memory.
-    const platform::ScopedHandle mapping(
-        CreateFileMappingW(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0, 1, nullptr));
-    std::vector<unsigned char> data(5'000'001, 3);
-    ChildProcess child("double_memory",
-                       {std::to_string(GetCurrentProcessId()), AsText(data.data()), std::to_string(data.size())});
-    EXPECT_EQ(child.Wait(), 0u);
-    EXPECT_EQ(std::count(data.begin(), data.end(), 6), static_cast<std::ptrdiff_t>(data.size()));
+#ifndef _WIN32
+
+constexpr std::size_t kPage = 4096;
+constexpr uid_t kNobody = 65534;
+
+// As another user, who may not look into the parent.
+CHILD_ROLE(open_as_nobody) {
+    if (setresuid(kNobody, kNobody, kNobody) != 0) return 2;
+    for (const DWORD access : {kMemory, PROCESS_DUP_HANDLE}) {
+        if (OpenProcess(access, FALSE, static_cast<DWORD>(getppid()))) return 3;
+        if (GetLastError() != ERROR_ACCESS_DENIED) return 4;
+    }
+    return 0;
 }
+
+// Two pages of which only the first can be read.
+class HalfReadable {
+  public:
+    HalfReadable() {
+        pages_ =
+            static_cast<char*>(mmap(nullptr, 2 * kPage, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0));
+        mprotect(pages_ + kPage, kPage, PROT_NONE);
+    }
+    ~HalfReadable() { munmap(pages_, 2 * kPage); }
+    HalfReadable(const HalfReadable&) = delete;
+    HalfReadable& operator=(const HalfReadable&) = delete;
+    [[nodiscard]] char* End() const { return pages_ + kPage; }
+
+  private:
+    char* pages_;
+};
+
+TEST(ProcessMemory, ShortAndBadTransfersFail) {
+    const HalfReadable pages;
+    std::vector<char> here(2 * kPage);
+    const HANDLE self = GetCurrentProcess();
+    const std::tuple<const char*, SIZE_T, SIZE_T, DWORD> rows[] = {
+        {pages.End() - 100, 100, 100, 0},    {pages.End() - 100, 101, 100, ERROR_PARTIAL_COPY},
+        {pages.End(), 1, 0, ERROR_NOACCESS}, {pages.End() - 100, kPage, 100, ERROR_PARTIAL_COPY},
+        {nullptr, 1, 0, ERROR_NOACCESS},     {nullptr, 0, 0, 0},
+    };
+    for (const auto& [address, bytes, whole, error] : rows) {
+        SIZE_T moved = 99;
+        SetLastError(0);
+        EXPECT_EQ(ReadProcessMemory(self, address, here.data(), bytes, &moved) != FALSE, error == 0) << bytes;
+        EXPECT_EQ(GetLastError(), error) << bytes;
+        EXPECT_EQ(std::exchange(moved, 99), whole) << bytes;
+        SetLastError(0);
+        EXPECT_EQ(WriteProcessMemory(self, const_cast<char*>(address), here.data(), bytes, &moved) != FALSE,
+                  error == 0);
+        EXPECT_EQ(GetLastError(), error) << bytes;
+        EXPECT_EQ(moved, whole) << bytes;
+    }
+    const std::vector<char> many(5'000'001, 'm');
+    std::vector<char> copy(many.size());
+    EXPECT_TRUE(ReadProcessMemory(self, many.data(), copy.data(), many.size(), nullptr));
+    EXPECT_TRUE(copy == many);
+}
+
+TEST(ProcessMemory, AnotherUsersProcessIsRefused) {
+    if (geteuid() != 0) GTEST_SKIP() << "only the superuser can start a process as somebody else";
+    support::ChildProcess child("open_as_nobody");
+    EXPECT_EQ(child.Wait(), 0u);
+}
+
+#endif
 
 }  // namespace

@@ -1,8 +1,8 @@
 #include <gtest/gtest.h>
 
 #include <cstdio>
-#include <functional>
 #include <limits>
+#include <tuple>
 
 #include "platform/text.h"
 
@@ -20,22 +20,16 @@ std::string Print(const WCHAR* format, Arguments... arguments) {
     return platform::Utf8(WStringView(out, static_cast<std::size_t>(length)));
 }
 
-struct Case {
-    std::string printed;
-    const char* expected;
-};
-
 TEST(WidePrintf, FollowsTheMicrosoftReading) {
     const WCHAR* const wide = W("Wi\u00E9");
     const char* const narrow = "na\xE9";
-    const Case cases[] = {
+    const std::pair<std::string, const char*> cases[] = {
         {Print(W("plain %% text")), "plain % text"},
         {Print(W("%d|%i|%u"), -5, 7, 4000000000u), "-5|7|4000000000"},
         {Print(W("%5d|%-5d|%05d|%+d|% d"), 42, 42, 42, 42, 42), "   42|42   |00042|+42| 42"},
         {Print(W("%05d|%+05d|%-05d|% 05d"), -42, 42, 42, 42), "-0042|+0042|42   | 0042"},
         {Print(W("%.3d|%6.3d|%-6.3d|%.0d"), 5, 5, 5, 0), "005|   005|005   |"},
-        {Print(W("%*d|%-*d|%*d|%.*d"), 4, 1, 4, 2, -4, 3, 3, 4), "   1|2   |3   |004"},
-        {Print(W("%.*d"), -1, 7), "7"},
+        {Print(W("%*d|%-*d|%*d|%.*d|%.*d"), 4, 1, 4, 2, -4, 3, 3, 4, -1, 7), "   1|2   |3   |004|7"},
         {Print(W("%x|%X|%#x|%#X|%#x|%08x"), 255, 255, 255, 255, 0, 255), "ff|FF|0xff|0XFF|0|000000ff"},
         {Print(W("%#10x|%#010x|%-#10x|%x"), 255, 255, 255, -1), "      0xff|0x000000ff|0xff      |ffffffff"},
         {Print(W("%o|%#o|%#o"), 8, 8, 0), "10|010|0"},
@@ -65,32 +59,26 @@ TEST(WidePrintf, FollowsTheMicrosoftReading) {
         {Print(W("%f|%f"), -0.0, 1e15), "-0.000000|1000000000000000.000000"},
         {Print(W("%.3f"), 1e300).substr(0, 6), "100000"},
     };
-    for (const Case& c : cases) EXPECT_EQ(c.printed, c.expected);
+    for (const auto& [printed, expected] : cases) EXPECT_EQ(printed, expected);
 }
 
 TEST(WidePrintf, CutsAtTheSizeWithoutTerminator) {
-    const struct {
-        std::size_t size;
-        int result;
-        const char* buffer;  // the first five characters; # is the terminator, ~ what was there before
-    } rows[] = {
+    // The first five characters of the buffer; # is the terminator, ~ what was there before.
+    const std::tuple<std::size_t, int, const char*> rows[] = {
         {5, 3, "abc#~"}, {4, 3, "abc#~"}, {3, 3, "abc~~"}, {2, -1, "ab~~~"}, {1, -1, "a~~~~"}, {0, -1, "~~~~~"},
     };
-    for (const auto& row : rows) {
+    for (const auto& [size, result, buffer] : rows) {
         WCHAR out[6] = {'~', '~', '~', '~', '~', 0};
-        EXPECT_EQ(_snwprintf(out, row.size, W("%s"), W("abc")), row.result) << row.size;
+        EXPECT_EQ(_snwprintf(out, size, W("%s"), W("abc")), result) << size;
         for (WCHAR& c : out) c = c == 0 ? WCHAR{'#'} : c;
-        EXPECT_EQ(platform::Utf8(WStringView(out, 5)), row.buffer) << row.size;
+        EXPECT_EQ(platform::Utf8(WStringView(out, 5)), buffer) << size;
     }
 }
 
-TEST(WidePrintf, NeedsNoTerminatorUnderAPrecision) {
+TEST(WidePrintf, NeedsNoTerminatorUnderAPrecisionAndStandsHugeOnes) {
     const std::vector<WCHAR> wide = {'a', 'b', 'c'};
     const std::vector<char> narrow = {'x', 'y'};
     EXPECT_EQ(Print(W("%.3s%.2S"), wide.data(), narrow.data()), "abcxy");
-}
-
-TEST(WidePrintf, StandsHugeWidthsAndPrecisions) {
     EXPECT_EQ(Print(W("%2000000000d"), 1), "cut");
     EXPECT_EQ(Print(W("%.2000000000f"), 1.0), "cut");
     EXPECT_EQ(Print(W("%99999999999999999999d%99999999999999999999d"), 1, 2), "cut");

@@ -6,7 +6,6 @@
 
 #include "platform/faults.h"
 #include "platform/files.h"
-#include "platform/text.h"
 #include "support/last_error.h"
 
 namespace {
@@ -58,6 +57,7 @@ TEST_F(Windows, LiveAndDieWithTheirParents) {
     const HWND second = Make(W("static"), parent, 2);
     const HWND inner = Make(W("WindowsRecording"), first, 3);
     EXPECT_EQ(messages_, (std::vector<UINT>{WM_NCCREATE, WM_CREATE, WM_NCCREATE, WM_CREATE}));
+    EXPECT_FALSE(CloseHandle(first));
     EXPECT_EQ(GetParent(inner), first);
     EXPECT_EQ(GetDlgItem(parent, 1), first);
     EXPECT_EQ(GetDlgItem(parent, 2), second);
@@ -96,39 +96,6 @@ TEST_F(Windows, MayTakeTheirParentsAlong) {
     g_takes_parent = false;
 }
 
-TEST_F(Windows, LieInTheirParents) {
-    const auto make = [](DWORD style, int x, int y, HWND parent) {
-        return CreateWindowExW(0, W("STATIC"), W(""), style, x, y, 30, 40, parent, nullptr, nullptr, nullptr);
-    };
-    const HWND desktop = GetDesktopWindow();
-    ASSERT_TRUE(IsWindow(desktop));
-    EXPECT_FALSE(DestroyWindow(desktop));
-    const HWND popup = make(WS_POPUP, 100, 50, desktop);
-    const HWND child = make(WS_CHILD | WS_BORDER, 10, 20, popup);
-    const HWND inner = make(WS_CHILD, -3, 2, child);
-    const HWND owned = make(WS_POPUP, 7, 8, popup);
-    struct {
-        HWND window;
-        LONG left, top;
-    } const kRows[] = {{popup, 100, 50}, {child, 110, 70}, {inner, 108, 73}, {owned, 7, 8}};
-    for (const auto& row : kRows) {
-        RECT place{};
-        EXPECT_TRUE(GetWindowRect(row.window, &place));
-        EXPECT_EQ(place.left, row.left);
-        EXPECT_EQ(place.top, row.top);
-        EXPECT_EQ(place.right, row.left + 30);
-        EXPECT_EQ(place.bottom, row.top + 40);
-    }
-    RECT screen{};
-    EXPECT_TRUE(GetWindowRect(desktop, &screen));
-    EXPECT_TRUE(screen.left == 0 && screen.top == 0 && screen.right > 0 && screen.bottom > 0);
-    EXPECT_TRUE(DestroyWindow(popup));
-    for (const HWND gone : {popup, owned, HWND{}}) {
-        SetLastError(0);
-        EXPECT_EQ(ErrorOf(GetWindowRect(gone, &screen)), DWORD{ERROR_INVALID_WINDOW_HANDLE});
-    }
-}
-
 TEST_F(Windows, MayBeRefused) {
     for (const UINT message : {WM_NCCREATE, WM_CREATE}) {
         g_refused = message;
@@ -144,44 +111,6 @@ TEST_F(Windows, MayBeRefused) {
     EXPECT_EQ(made == nullptr, platform::faults::Hit());
     platform::faults::Clear();
     if (made) DestroyWindow(made);
-}
-
-TEST_F(Windows, AreNoOtherHandles) {
-    const HWND window = Make(W("STATIC"));
-    SetLastError(0);
-    EXPECT_EQ(ErrorOf(CloseHandle(window)), ERROR_INVALID_HANDLE);
-    EXPECT_TRUE(IsWindow(window));
-    EXPECT_TRUE(DestroyWindow(window));
-}
-
-TEST_F(Windows, EditTheirText) {
-    const HWND edit = Make(W("EDIT"), nullptr, 0, ES_MULTILINE);
-    const auto insert = [edit](WPARAM start, LPARAM end, const WCHAR* text) {
-        SendMessageW(edit, EM_SETSEL, start, end);
-        SendMessageW(edit, EM_REPLACESEL, 0, reinterpret_cast<LPARAM>(text));
-        WCHAR now[40];
-        GetWindowTextW(edit, now, 40);
-        return platform::Utf8(now);
-    };
-    EXPECT_EQ(insert(0, 0, W("a ")), "a text");
-    EXPECT_EQ(insert(2, 6, W("word")), "a word");
-    EXPECT_EQ(insert(0, -1, W("new")), "new");
-    EXPECT_EQ(insert(3, 3, W("er")), "newer");
-    EXPECT_EQ(insert(1, 3, W("")), "ner");
-    EXPECT_EQ(insert(100, 200, W("!")), "ner!");
-    SendMessageW(edit, EM_SETSEL, 1, 3);
-    DWORD start = 0;
-    DWORD end = 0;
-    EXPECT_EQ(SendMessageW(edit, EM_GETSEL, reinterpret_cast<WPARAM>(&start), reinterpret_cast<LPARAM>(&end)), 0x30001);
-    EXPECT_EQ(start, 1u);
-    EXPECT_EQ(end, 3u);
-    WCHAR cut[3];
-    EXPECT_EQ(GetWindowTextW(edit, cut, 3), 2);
-    EXPECT_EQ(WStringView(cut), W("ne"));
-    EXPECT_EQ(GetWindowTextLengthW(edit), 4);
-    EXPECT_TRUE(SetWindowTextW(edit, nullptr));
-    EXPECT_EQ(GetWindowTextLengthW(edit), 0);
-    DestroyWindow(edit);
 }
 
 }  // namespace

@@ -1,10 +1,12 @@
-// Sizes of dialogs, read out of their templates.
+// Sizes of dialogs, read out of their templates, and the fonts of their controls.
 #include "kernel/dialog_size.h"
 
 #include <gtest/gtest.h>
 
 #include <limits>
+#include <tuple>
 
+#include "kernel/dialog_font.h"
 #include "kernel/ui_fonts.h"
 #include "platform/text.h"
 #include "support/dialog_template.h"
@@ -73,11 +75,11 @@ TEST_F(DialogSize, IsThatOfTheTemplateInTheUnitsOfTheFont) {
         }
     }
     SIZE size{1, 1};
-    EXPECT_EQ(KtGetDialogSizeIndirect(nullptr, nullptr, &size), 0);
+    for (SIZE* const out : {&size, static_cast<SIZE*>(nullptr)}) {
+        EXPECT_EQ(KtGetDialogSizeIndirect(nullptr, nullptr, out), 0);
+        EXPECT_EQ(KtGetDialogSize(nullptr, W("x"), out), 0);
+    }
     EXPECT_EQ(size.cx, 0);
-    EXPECT_EQ(KtGetDialogSizeIndirect(nullptr, nullptr, nullptr), 0);
-    EXPECT_EQ(KtGetDialogSize(nullptr, W("x"), &size), 0);
-    EXPECT_EQ(KtGetDialogSize(nullptr, W("x"), nullptr), 0);
     clipfio::SetUiFonts(nullptr);
     const std::string plain = Plain(0, 4, 8).Bytes();
     EXPECT_FALSE(clipfio::DialogSizeOfTemplate(plain.data(), plain.size(), size));
@@ -90,29 +92,58 @@ TEST_F(DialogSize, HasUnitsThatGrowWithTheFont) {
         EXPECT_EQ(KtGetDialogUnitsForFont(nullptr, W("DejaVu Sans"), points, weight, 0, 1, &found), 1) << points;
         return found;
     };
-    const SIZE small = units(8, 400);
+    // 24 points are 32 pixels at 96 dots per inch: a letter is about half as wide, a line somewhat higher.
     const SIZE large = units(24, 400);
-    // 8 points are 11 pixels at 96 dots per inch: a letter is about half as wide, a line somewhat higher.
-    EXPECT_GE(small.cx, 4);
-    EXPECT_LE(small.cx, 9);
-    EXPECT_GE(small.cy, 11);
-    EXPECT_LE(small.cy, 17);
-    EXPECT_NEAR(static_cast<double>(large.cx), 3 * static_cast<double>(small.cx), 3);
-    EXPECT_NEAR(static_cast<double>(large.cy), 3 * static_cast<double>(small.cy), 5);
+    EXPECT_NEAR(static_cast<double>(large.cx), 19, 7);
+    EXPECT_NEAR(static_cast<double>(large.cy), 40, 8);
+    EXPECT_NEAR(static_cast<double>(units(8, 400).cx) * 3, static_cast<double>(large.cx), 3);
     EXPECT_GT(units(24, 700).cx, large.cx);
+}
+
+HWND Make(HWND parent, const WCHAR* name) {
+    return CreateWindowExW(0, name, W(""), parent ? WS_CHILD : WS_OVERLAPPED, 0, 0, 100, 20, parent, nullptr, nullptr,
+                           nullptr);
+}
+HFONT MakeFont() { return CreateFontW(-12, 0, 0, 0, 400, 0, 0, 0, 1, 0, 0, 0, 0, W("Sans")); }
+HFONT FontOf(HWND window) { return reinterpret_cast<HFONT>(SendMessageW(window, WM_GETFONT, 0, 0)); }
+
+TEST(DialogFont, GoesToEveryControlWhereTheCodePageAsksForIt) {
+    const HWND dialog = Make(nullptr, W("STATIC"));
+    if (!dialog) GTEST_SKIP() << "no windows can be made here: error " << GetLastError();
+    const HWND controls[] = {Make(dialog, W("STATIC")), Make(dialog, W("EDIT")), Make(dialog, W("STATIC"))};
+    static HFONT kit_font = nullptr;
+    kit_font = MakeFont();
+    const HFONT own = MakeFont();
+    ASSERT_TRUE(kit_font && own);
+    static constexpr clipfio::UiFonts kFonts{
+        [](int number) noexcept { return number == clipfio::kDialogUiFont ? kit_font : nullptr; }, nullptr};
+    const std::tuple<const char*, HFONT, uint32_t, bool, int32_t, HFONT> kRows[] = {
+        {"western", own, 1252, true, 0, nullptr},       {"given", own, 932, true, 1, own},
+        {"the kit's", nullptr, 932, true, 1, kit_font}, {"western again", own, 1252, true, 0, kit_font},
+        {"no kit", nullptr, 936, false, 1, nullptr},
+    };
+    for (const auto& [name, font, code_page, has_kit, result, given] : kRows) {
+        clipfio::SetUiFonts(has_kit ? &kFonts : nullptr);
+        EXPECT_EQ(clipfio::InitDialogFont(dialog, font, code_page), result) << name;
+        for (const HWND control : controls) EXPECT_EQ(FontOf(control), given) << name;
+    }
+    clipfio::SetUiFonts(nullptr);
+    DestroyWindow(dialog);
+    EXPECT_EQ(clipfio::InitDialogFont(dialog, own, 932), 0);
+    EXPECT_EQ(clipfio::InitDialogFont(nullptr, own, 932), 0);
+    EXPECT_EQ(KtDlgInitFont(nullptr, own), 0);
+    EXPECT_TRUE(DeleteObject(own));
+    EXPECT_TRUE(DeleteObject(kit_font));
 }
 
 TEST(MulDivision, RoundsToTheNearest) {
     constexpr int kMost = std::numeric_limits<int>::max();
-    struct {
-        int a, b, c, result;
-    } const kRows[] = {{7, 3, 4, 5},      {-7, 3, 4, -5},
-                       {7, 1, 2, 4},      {-7, 1, 2, -4},
-                       {1, 1, 0, -1},     {kMost, kMost, kMost, kMost},
-                       {kMost, 2, 1, -1}, {kMost, -2, 1, -1},
-                       {9, 96, -72, -12}, {kMost, kMost, -kMost, -kMost}};
-    for (const auto& row : kRows)
-        EXPECT_EQ(MulDiv(row.a, row.b, row.c), row.result) << row.a << ' ' << row.b << ' ' << row.c;
+    const std::tuple<int, int, int, int> kRows[] = {{7, 3, 4, 5},      {-7, 3, 4, -5},
+                                                    {7, 1, 2, 4},      {-7, 1, 2, -4},
+                                                    {1, 1, 0, -1},     {kMost, kMost, kMost, kMost},
+                                                    {kMost, 2, 1, -1}, {kMost, -2, 1, -1},
+                                                    {9, 96, -72, -12}, {kMost, kMost, -kMost, -kMost}};
+    for (const auto& [a, b, c, result] : kRows) EXPECT_EQ(MulDiv(a, b, c), result) << a << ' ' << b << ' ' << c;
 }
 
 }  // namespace
