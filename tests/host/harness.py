@@ -74,9 +74,14 @@ class CommandTest(unittest.TestCase):
         terminal, screen = os.openpty()
         subprocess.run([*COMMAND, *args], stderr=screen, cwd=self.folder, env=self.env, timeout=TIMEOUT, check=True)
         os.close(screen)
-        shown = os.read(terminal, 100000).decode()
+        shown = b""
+        try:
+            while part := os.read(terminal, 100000):
+                shown += part
+        except OSError:  # nobody has the screen open any more
+            pass
         os.close(terminal)
-        return shown
+        return shown.decode()
 
     def program_without_decoder(self):
         """The command line of a copy of the program with the module beside it and no decoder library."""

@@ -102,38 +102,4 @@ TEST(ReadableMemory, IsToldByBothEnds) {
     for (const SIZE_T size : {SIZE_MAX, SIZE_MAX / 2}) EXPECT_TRUE(IsBadReadPtr(text, size));
 }
 
-#ifndef _WIN32
-
-// On Windows a wild pointer given to these may end the process.
-TEST(WildBlocks, AreRefused) {
-    alignas(64) unsigned char on_stack[256] = {};
-    const HGLOBAL fixed = GlobalAlloc(GPTR, 64);
-    const HGLOBAL moveable = GlobalAlloc(GHND, 64);
-    auto* const inside = static_cast<unsigned char*>(fixed) + 16;
-    void* const moveable_data = GlobalLock(moveable);
-    // A copy of a block with its header is no block.
-    std::memcpy(on_stack + 64, static_cast<unsigned char*>(fixed) - 16, 80);
-    std::vector<void*> bad = {on_stack + 128, on_stack + 80, inside, inside + 3, moveable_data};
-    for (const std::uintptr_t wild : {std::uintptr_t{0}, std::uintptr_t{1}, std::uintptr_t{16}, std::uintptr_t{0x1000},
-                                      ~std::uintptr_t{0}, ~std::uintptr_t{15}, std::uintptr_t{7} << 60}) {
-        bad.push_back(reinterpret_cast<void*>(wild));
-    }
-    for (void* const block : bad) {
-        SCOPED_TRACE(block);
-        SetLastError(0);
-        EXPECT_EQ(ErrorOf(GlobalLock(block)), ERROR_INVALID_HANDLE);
-        EXPECT_FALSE(GlobalUnlock(block));
-        EXPECT_EQ(GlobalSize(block), 0u);
-        EXPECT_EQ(GlobalFree(block), block);
-        EXPECT_EQ(GlobalHandle(block), block == moveable_data ? moveable : nullptr);
-    }
-    for (const HGLOBAL block : {fixed, moveable}) {
-        EXPECT_EQ(GlobalFree(block), nullptr);
-        EXPECT_EQ(GlobalFree(block), block);
-        EXPECT_EQ(GetLastError(), ERROR_INVALID_HANDLE);
-    }
-}
-
-#endif
-
 }  // namespace

@@ -78,32 +78,6 @@ TEST(Locale, TellsSingleFactsAsWin32Does) {
     }
 }
 
-#ifndef _WIN32
-
-TEST(Locale, ComesFromTheEnvironment) {
-    // By KT_LCID, LC_ALL and LANG.
-    const std::tuple<const WCHAR*, const WCHAR*, const WCHAR*, LCID> rows[] = {
-        {W("1031"), W("fr_FR"), nullptr, 0x0407},        {W("0x411"), W("fr_FR"), nullptr, 0x0411},
-        {W("0X0C0A"), nullptr, nullptr, 0x0C0A},         {W("nonsense"), W("fr_FR"), nullptr, 0x040C},
-        {W("0"), W("fr_FR"), nullptr, 0x040C},           {W("12ab"), nullptr, W("it_IT"), 0x0410},
-        {W("0xFFFFFFFFF"), nullptr, W("it_IT"), 0x0410}, {W("0x3FF"), nullptr, W("it_IT"), 0x0410},
-        {W("0x400"), nullptr, W("it_IT"), 0x0410},       {W(""), W(""), W("ko_KR.UTF-8"), 0x0412},
-        {nullptr, W("tr_TR.UTF-8"), W("de_DE"), 0x041F}, {nullptr, W("de_DE.UTF-8@euro"), nullptr, 0x0407},
-        {nullptr, W("de_AT"), nullptr, 0x0C07},          {nullptr, W("de_XX"), nullptr, 0x0407},
-        {nullptr, W("pt_BR"), nullptr, 0x0416},          {nullptr, W("pt"), nullptr, 0x0416},
-        {nullptr, W("zh_TW"), nullptr, 0x0404},          {nullptr, W("zh"), nullptr, 0x0804},
-        {nullptr, W("C"), W("sv_SE"), 0x041D},           {nullptr, W("C.UTF-8"), W("POSIX"), 0x0409},
-        {nullptr, W("tlh_QO"), W("nb_NO"), 0x0414},      {nullptr, nullptr, nullptr, 0x0409},
-    };
-    for (const auto& [number, all, lang, expected] : rows) {
-        const support::ScopedVariable first(W("KT_LCID"), number), then(W("LC_ALL"), all), last(W("LANG"), lang);
-        EXPECT_EQ(GetUserDefaultLCID(), expected);
-        EXPECT_EQ(GetSystemDefaultLCID(), expected);
-    }
-}
-
-#endif
-
 std::string Formatted(const WCHAR* value, NUMBERFMTW format, int size = 100) {
     WCHAR text[100] = {};
     const int written = GetNumberFormatW(0x0409, 0, value, &format, text, size);

@@ -1,8 +1,4 @@
 #include <gtest/gtest.h>
-#ifndef _WIN32
-#include <sys/mman.h>
-#include <unistd.h>
-#endif
 
 #include <tuple>
 #include <utility>
@@ -61,72 +57,5 @@ TEST(Mappings, AViewOutlivesItsHandleAndEndsOnce) {
     EXPECT_TRUE(UnmapViewOfFile(bytes));
     EXPECT_EQ(ErrorOf(UnmapViewOfFile(bytes)), ERROR_INVALID_ADDRESS);
 }
-
-#ifndef _WIN32
-
-constexpr std::size_t kPage = 4096;
-constexpr uid_t kNobody = 65534;
-
-// As another user, who may not look into the parent.
-CHILD_ROLE(open_as_nobody) {
-    if (setresuid(kNobody, kNobody, kNobody) != 0) return 2;
-    for (const DWORD access : {kMemory, PROCESS_DUP_HANDLE}) {
-        if (OpenProcess(access, FALSE, static_cast<DWORD>(getppid()))) return 3;
-        if (GetLastError() != ERROR_ACCESS_DENIED) return 4;
-    }
-    return 0;
-}
-
-// Two pages of which only the first can be read.
-class HalfReadable {
-  public:
-    HalfReadable() {
-        pages_ =
-            static_cast<char*>(mmap(nullptr, 2 * kPage, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0));
-        mprotect(pages_ + kPage, kPage, PROT_NONE);
-    }
-    ~HalfReadable() { munmap(pages_, 2 * kPage); }
-    HalfReadable(const HalfReadable&) = delete;
-    HalfReadable& operator=(const HalfReadable&) = delete;
-    [[nodiscard]] char* End() const { return pages_ + kPage; }
-
-  private:
-    char* pages_;
-};
-
-TEST(ProcessMemory, ShortAndBadTransfersFail) {
-    const HalfReadable pages;
-    std::vector<char> here(2 * kPage);
-    const HANDLE self = GetCurrentProcess();
-    const std::tuple<const char*, SIZE_T, SIZE_T, DWORD> rows[] = {
-        {pages.End() - 100, 100, 100, 0},    {pages.End() - 100, 101, 100, ERROR_PARTIAL_COPY},
-        {pages.End(), 1, 0, ERROR_NOACCESS}, {pages.End() - 100, kPage, 100, ERROR_PARTIAL_COPY},
-        {nullptr, 1, 0, ERROR_NOACCESS},     {nullptr, 0, 0, 0},
-    };
-    for (const auto& [address, bytes, whole, error] : rows) {
-        SIZE_T moved = 99;
-        SetLastError(0);
-        EXPECT_EQ(ReadProcessMemory(self, address, here.data(), bytes, &moved) != FALSE, error == 0) << bytes;
-        EXPECT_EQ(GetLastError(), error) << bytes;
-        EXPECT_EQ(std::exchange(moved, 99), whole) << bytes;
-        SetLastError(0);
-        EXPECT_EQ(WriteProcessMemory(self, const_cast<char*>(address), here.data(), bytes, &moved) != FALSE,
-                  error == 0);
-        EXPECT_EQ(GetLastError(), error) << bytes;
-        EXPECT_EQ(moved, whole) << bytes;
-    }
-    const std::vector<char> many(5'000'001, 'm');
-    std::vector<char> copy(many.size());
-    EXPECT_TRUE(ReadProcessMemory(self, many.data(), copy.data(), many.size(), nullptr));
-    EXPECT_TRUE(copy == many);
-}
-
-TEST(ProcessMemory, AnotherUsersProcessIsRefused) {
-    if (geteuid() != 0) GTEST_SKIP() << "only the superuser can start a process as somebody else";
-    support::ChildProcess child("open_as_nobody");
-    EXPECT_EQ(child.Wait(), 0u);
-}
-
-#endif
 
 }  // namespace
