@@ -1,10 +1,11 @@
 // Numbers read from the front of a text, as the user's locale writes them. Any thread, but not while the record of the
 // locale is refreshed.
 //
-// White space in front is skipped, group separators inside are passed over. `end` may be null and gets the place where
-// reading stopped. No digit gives 0; null is an empty text. Digits beyond the 63rd character of a number are passed
-// over without being counted. The forms with limits put `default_value` in the place of a 0 that is followed by
-// something else than white space or the end, and then hold the value at the minimum, or else at the maximum.
+// White space in front is skipped, group separators inside are passed over, and the decimal digits of every script
+// count as such, full-width ones among them. `end` may be null and gets the place where reading stopped. No digit gives
+// 0; null is an empty text. Digits beyond the 63rd character of a number are passed over without being counted. The
+// forms with limits put `default_value` in the place of a 0 that is followed by something else than white space or the
+// end, and then hold the value at the minimum, or else at the maximum.
 #pragma once
 
 #include <cstdint>

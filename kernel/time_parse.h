@@ -1,11 +1,12 @@
 // Text as positions: what kernel/time_text.h prints, and what people write.
 //
 // Times are in units of 100 nanoseconds and are held within their type. Numbers, digit groups and the decimal separator
-// are the user's. Where a text is read as fields, whatever is no digit separates them, and the last field read is the
-// smallest unit: "12" is 12 frames of a clock. A character other than a blank behind the last digit stands for one more
-// field, 0: "5:" is 5 seconds and no frames. A blank is a space or a tab. Fields that are not there count as 0, as do
-// what depends on a rate or tempo that is not above 0, and a text without digits. A null text is empty; a null format
-// gives 0. `end` may be null, and gets the place in the text behind what was read. Any thread.
+// are the user's, and the digits of every script count. Where a text is read as fields, whatever is no digit separates
+// them, and the last field read is the smallest unit: "12" is 12 frames of a clock. A character other than a blank
+// behind the last digit stands for one more field, 0: "5:" is 5 seconds and no frames. A blank is a space or a tab.
+// Fields that are not there count as 0, as do what depends on a rate or tempo that is not above 0, and a text without
+// digits. A null text is empty; a null format gives 0. `end` may be null, and gets the place in the text behind what
+// was read. Any thread.
 #pragma once
 
 #include <cstdint>
