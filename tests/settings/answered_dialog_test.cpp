@@ -168,12 +168,13 @@ TEST_F(AnsweredDialogTest, OneSettingBackToTheClip) {
         EXPECT_EQ(panel.UseClipDefault("Tint"), S_OK);
         EXPECT_EQ(Value(panel, "Tint"), "3");
         EXPECT_EQ(State(panel, "Tint"), kKtPropertyChanged);
+        EXPECT_EQ(panel.Unset("DEB"), S_OK);
         EXPECT_EQ(panel.UseClipDefault("DEB"), S_OK);
         EXPECT_EQ(State(panel, "DEB"), kKtPropertyLoaded);
         EXPECT_EQ(Value(panel, "Contrast"), "0.5");
         EXPECT_EQ(panel.UseClipDefault("none"), kKtPanelUnknownKey);
     });
-    EXPECT_EQ(host_.changes, 2);
+    EXPECT_EQ(host_.changes, 3);
     EXPECT_FALSE(editor_.RevertToClipDefault());
 }
 

@@ -56,6 +56,24 @@ TEST(ClipFacts, MeasuresAndSettingsAreThoseOfTheDescription) {
     EXPECT_EQ(std::memcmp(&settings, &d.settings, sizeof settings), 0);
 }
 
+TEST(ClipFacts, AClipWithoutSoundOrWithoutFramesHasNone) {
+    ClipDescription d = SmallClip();
+    d.sample_rate = 0;
+    const TestFile file;
+    WriteClip(file, d, {});
+    const TestClip clip(file);
+    uint64_t largest = 1, count = 1;
+    int32_t sample = 0;
+    EXPECT_EQ(Library().clip_status(clip.Handle()), 0u);
+    EXPECT_EQ(Library().clip_frame_count(clip.Handle()), 0u);
+    EXPECT_EQ(Library().frame_timecode(clip.Handle(), 0), nullptr);
+    EXPECT_EQ(Library().frame_timecode(clip.Handle(), ~uint64_t{0}), nullptr);
+    EXPECT_EQ(Library().audio_block_info(clip.Handle(), &largest), 0u);
+    EXPECT_EQ(largest, 0u);
+    EXPECT_EQ(Library().decode_audio(clip.Handle(), 0, &count, &sample, 4), Number(Status::EndOfSound));
+    EXPECT_EQ(count, 0u);
+}
+
 TEST(ClipFacts, SoundIsBigEndianAndEndsWhereItEnds) {
     constexpr uint64_t kAll = 5000, kMany = ~uint64_t{0};
     constexpr struct {

@@ -92,6 +92,15 @@ TEST(LookReference, FastPicturesAreTheSlowOnes) {
     }
 }
 
+TEST(LookReference, PlacesOnTheScaleOfLightGoBothWays) {
+    for (const float light : {0.0f, 1e-6f, 0.001f, 0.18f, 1.0f, 17.3f, 255.0f}) {
+        EXPECT_NEAR(PlaceLight(LightPlace(light)), light, 1e-9 + light * 1e-6);
+    }
+    for (const float black : {-0.0f, -1e-9f, -1.0f, -1e30f}) EXPECT_EQ(LightPlace(black), 0) << black;
+    for (const float white : {256.0f, 1e6f, 1e30f})
+        EXPECT_EQ(LightPlace(white) >> kStepShift, kLightSteps - 1) << white;
+}
+
 TEST(LookReference, GammaCurvesMeetTheirPublishedPoints) {
     constexpr struct {
         uint32_t curve;
