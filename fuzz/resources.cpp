@@ -39,13 +39,11 @@ void ReadStrings(HKTLANG lang) {
     }
 }
 
-void Destroy(HWND window) {
-    if (window) FuzzRequire(DestroyWindow(window) != FALSE, "a dialog that was made can be destroyed");
-}
-
 // Dialogs, pictures and keys: made, and taken down again.
 void MakeObjects(HKTLANG lang, const WCHAR* name) {
-    Destroy(KtCreateDialogParam(lang, name, nullptr, nullptr, 0));
+    if (const HWND dialog = KtCreateDialogParam(lang, name, nullptr, nullptr, 0)) {
+        FuzzRequire(DestroyWindow(dialog) != FALSE, "a dialog that was made can be destroyed");
+    }
     if (const HACCEL keys = KtLoadAccelerators(lang, name)) DestroyAcceleratorTable(keys);
     if (const HBITMAP bitmap = KtLoadBitmap(lang, name)) {
         BITMAP facts{};

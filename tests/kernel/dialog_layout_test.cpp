@@ -97,6 +97,7 @@ TEST_F(DialogSize, HasUnitsThatGrowWithTheFont) {
     EXPECT_NEAR(static_cast<double>(large.cx), 19, 7);
     EXPECT_NEAR(static_cast<double>(large.cy), 40, 8);
     EXPECT_NEAR(static_cast<double>(units(8, 400).cx) * 3, static_cast<double>(large.cx), 3);
+    EXPECT_NEAR(static_cast<double>(units(-24, 400).cy), 32, 2);
     EXPECT_GT(units(24, 700).cx, large.cx);
 }
 

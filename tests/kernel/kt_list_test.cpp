@@ -458,8 +458,7 @@ TEST(List, KnowsWhatIsAList) {
         EXPECT_FALSE(KtList_IsList(wild, sizeof(tKTLIST))) << wild;
     }
     tKTLIST none{};
-    tKTLIST* const no_lists[] = {nullptr, &none};
-    for (tKTLIST* const no_list : no_lists) {
+    for (tKTLIST* const no_list : {static_cast<tKTLIST*>(nullptr), &none}) {
         EXPECT_EQ(KtList_InsertList(no_list, 0, &blank, 1), E_FAIL);
         EXPECT_EQ(KtList_DeleteList(no_list, 0, 1, 0), E_FAIL);
         EXPECT_EQ(KtList_MoveRange(no_list, 0, 0, 1), E_FAIL);

@@ -139,24 +139,17 @@ TEST_F(Dialogs, AreMadeOfTheirTemplates) {
 }
 
 INT_PTR CALLBACK EndAtOnce(HWND dialog, UINT message, WPARAM, LPARAM lparam) {
-    if (message == WM_INITDIALOG) {
-        EXPECT_TRUE(EndDialog(dialog, lparam + 1));
-    }
+    EXPECT_TRUE(message != WM_INITDIALOG || EndDialog(dialog, lparam + 1));
     return FALSE;
 }
 
-TEST_F(Dialogs, GiveWhatTheyAreEndedWith) {
-    const Template source = WithControls(true, kStyle);
+TEST_F(Dialogs, GiveWhatTheyAreEndedWithAndNeedTheClassesOfTheirControls) {
+    const Template source = WithControls(true, kStyle), unknown = WithControls(true, kStyle, W("NoSuchClass"));
     EXPECT_EQ(DialogBoxIndirectParamW(nullptr, source.Get(), nullptr, EndAtOnce, 41), 42);
     EXPECT_EQ(DialogBoxIndirectParamW(nullptr, source.Get(), GetDesktopWindow(), EndAtOnce, -1), 0);
-    const Template unknown = WithControls(true, kStyle, W("NoSuchClass"));
     EXPECT_EQ(DialogBoxIndirectParamW(nullptr, unknown.Get(), nullptr, EndAtOnce, 41), -1);
     EXPECT_EQ(DialogBoxParamW(nullptr, W("NoSuchDialog"), nullptr, EndAtOnce, 41), -1);
-}
-
-TEST_F(Dialogs, NeedTheClassesOfTheirControls) {
-    const Template whole = WithControls(true, kStyle, W("NoSuchClass"));
-    EXPECT_FALSE(CreateDialogIndirectParamW(nullptr, whole.Get(), nullptr, Procedure, 0));
+    EXPECT_FALSE(CreateDialogIndirectParamW(nullptr, unknown.Get(), nullptr, Procedure, 0));
     EXPECT_EQ(told_.init, 0);
     const Template lenient = WithControls(true, kStyle | DS_NOFAILCREATE, W("NoSuchClass"));
     const HWND dialog = CreateDialogIndirectParamW(nullptr, lenient.Get(), nullptr, Procedure, 0);

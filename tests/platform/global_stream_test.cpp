@@ -35,15 +35,19 @@ TEST(GlobalStream, ReadsAndWritesAtItsPosition) {
     EXPECT_EQ(Whole(stream), std::string("heLPo\0\0\0x", 9)) << "a gap is zero";
     for (const ULONGLONG size : {2, 4}) EXPECT_EQ(stream->SetSize(Size(size)), S_OK);
     EXPECT_EQ(Whole(stream), std::string("he\0\0", 4)) << "nothing old comes back";
+    WriteText(stream, "old");
+    EXPECT_EQ(stream->SetSize(Size(2)), S_OK);
+    WriteText(stream, "y");
+    EXPECT_EQ(Whole(stream), std::string("he\0\0\0\0\0y", 8)) << "in a gap as little";
     STATSTG facts{};
     EXPECT_EQ(stream->Stat(&facts, 1), S_OK);
-    EXPECT_EQ(facts.cbSize.QuadPart, 4u);
+    EXPECT_EQ(facts.cbSize.QuadPart, 8u);
     ULONGLONG at = 0;
     EXPECT_NE(SeekTo(stream, -1, STREAM_SEEK_SET), S_OK);
-    EXPECT_NE(SeekTo(stream, -5, STREAM_SEEK_END), S_OK);
+    EXPECT_NE(SeekTo(stream, -9, STREAM_SEEK_END), S_OK);
     EXPECT_NE(SeekTo(stream, 0, 7), S_OK);
     EXPECT_EQ(SeekTo(stream, 0, STREAM_SEEK_CUR, &at), S_OK);
-    EXPECT_EQ(at, 4u);
+    EXPECT_EQ(at, 8u);
 }
 
 TEST(GlobalStream, GrowsWithItsBlock) {

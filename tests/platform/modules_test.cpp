@@ -142,4 +142,14 @@ TEST(Modules, WhatCannotBeLoaded) {
     }
 }
 
+TEST(Modules, SystemMessages) {
+    char text[128];
+    constexpr DWORD kFlags = FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS;
+    const DWORD length = FormatMessageA(kFlags, nullptr, ERROR_MOD_NOT_FOUND, 0, text, sizeof text, nullptr);
+    EXPECT_EQ(std::string(text, length), "The module, or a module that it needs, was not found.\r\n");
+    EXPECT_EQ(ErrorOf(FormatMessageA(kFlags, nullptr, ERROR_MOD_NOT_FOUND, 0, text, length, nullptr)),
+              ERROR_INSUFFICIENT_BUFFER);
+    EXPECT_EQ(ErrorOf(FormatMessageA(kFlags, nullptr, 0xDEADBEEF, 0, text, sizeof text, nullptr)), 317u);
+}
+
 }  // namespace

@@ -172,8 +172,7 @@ TEST_F(Registry, KnowsAKeyFromAnythingElse) {
         EXPECT_EQ(RegEnumKeyExW(wild, 0, name, &length, nullptr, nullptr, nullptr, nullptr), kInvalid);
         EXPECT_TRUE(wild == mutex.Get() || RegCloseKey(wild) == kInvalid);
     }
-    EXPECT_EQ(RegCloseKey(HKEY_CURRENT_USER), 0);
-    EXPECT_EQ(RegCloseKey(HKEY_LOCAL_MACHINE), 0);
+    for (const HKEY hive : {HKEY_CURRENT_USER, HKEY_LOCAL_MACHINE}) EXPECT_EQ(RegCloseKey(hive), 0);
     EXPECT_NE(WaitForSingleObject(mutex.Get(), 0), WAIT_FAILED) << "nobody closed it";
     ReleaseMutex(mutex.Get());
 }

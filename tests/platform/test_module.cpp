@@ -1,5 +1,4 @@
-// A module for the tests of loading: it notes what its entry was told, and refuses when an environment variable says
-// so.
+// A module for the tests of loading: it notes what its entry was told, and refuses when a variable says so.
 #include "platform/com.h"
 #include "platform/memory.h"
 #include "platform/module_entry.h"
