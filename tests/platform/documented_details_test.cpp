@@ -23,6 +23,8 @@ std::string Printed(const WCHAR* format, auto... arguments) {
 
 TEST(DocumentedDetails, PrecisionOfAnIntegerEndsItsZeros) { EXPECT_EQ(Printed(W("%06.3d"), 5), "   005"); }
 
+TEST(DocumentedDetails, HalvesGoToTheEvenDigit) { EXPECT_EQ(Printed(W("%.1f %.1f"), 2.25, 2.35), "2.2 2.4"); }
+
 // Beyond the documentation: nothing that the module prints may hang on what locale its host has set.
 TEST(DocumentedDetails, PrintfDoesNotFollowTheLocale) {
     const std::string before = std::setlocale(LC_NUMERIC, nullptr);
