@@ -25,13 +25,16 @@ class Making(CommandTest):
         return self.clipfio("info", "--json", name).json["files"][0]
 
     def test_sample_lengths(self):
-        for args, frames, samples in [((), 48, 96000), (("--frames", "5"), 5, 10000), (("--seconds", "0.5"), 12, 24000),
-                                      (("--seconds", "0.01"), 1, 2000),
-                                      (("--seconds", "1e-300"), 1, 2000), (("--frames", "1", "--rate", "1/10"), 1, 480000), (("--frames", "30", "--rate", "29.97"), 30, 48048)]:
+        for args, frames, samples, rate in [
+                ((), 48, 96000, 24), (("--frames", "5"), 5, 10000, 24), (("--seconds", "0.5"), 12, 24000, 24),
+                (("--seconds", "0.01"), 1, 2000, 24), (("--seconds", "1e-300"), 1, 2000, 24),
+                (("--frames", "1", "--rate", "1/10"), 1, 480000, 0.1),
+                (("--frames", "30", "--rate", "29.97"), 30, 48048, 30000 / 1001)]:
             with self.subTest(args):
                 self.clipfio("make-sample", "a.r3d", "--size", "16x16", *args)
                 entry = self.entry("a.r3d")
                 self.assertEqual((entry["video"]["frames"], entry["audio"]["samples"]), (frames, samples))
+                self.assertAlmostEqual(entry["video"]["frame_rate"], rate, places=4)
 
     def test_sample_of_one_pixel(self):
         self.clipfio("make-sample", "a.r3d", "--size", "1x1", "--frames", "1")
