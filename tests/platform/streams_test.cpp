@@ -63,6 +63,22 @@ TEST(FileStream, CommitMakesWhatWasWrittenVisible) {
     EXPECT_EQ(ReadText(OpenStream(name.Path(), STGM_READ), 9, S_FALSE), "abc");
 }
 
+TEST(FileStream, CopiesToAnother) {
+    const support::TempFile from_name, to_name;
+    const Stream from = OpenStream(from_name.Path(), STGM_CREATE | STGM_READWRITE);
+    const Stream to = OpenStream(to_name.Path(), STGM_CREATE | STGM_READWRITE);
+    const std::string content(10000, 'x');
+    WriteText(from, content + "end");
+    SeekTo(from, 1, STREAM_SEEK_SET);
+    for (const ULONGLONG copied : {9000u, 1002u}) {
+        ULARGE_INTEGER read{}, written{};
+        EXPECT_EQ(from->CopyTo(to.Get(), Size(9000), &read, &written), S_OK);
+        EXPECT_TRUE(read.QuadPart == copied && written.QuadPart == copied) << copied;
+    }
+    SeekTo(to, 0, STREAM_SEEK_SET);
+    EXPECT_TRUE(ReadText(to, 20000, S_FALSE) == content.substr(1) + "end");
+}
+
 TEST(FileStream, Failures) {
     const support::TempFile name;
     IStream* none = reinterpret_cast<IStream*>(1);

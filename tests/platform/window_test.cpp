@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <tuple>
 #include <vector>
 
 #include "platform/faults.h"
@@ -94,6 +95,24 @@ TEST_F(Windows, MayTakeTheirParentsAlong) {
         EXPECT_FALSE(IsWindow(parent) || IsWindow(child) || IsWindow(sibling)) << child_first;
     }
     g_takes_parent = false;
+}
+
+TEST_F(Windows, LieInTheirParents) {
+    const auto make = [](DWORD style, int x, int y, HWND parent) {
+        return CreateWindowExW(0, W("STATIC"), W(""), style, x, y, 30, 40, parent, nullptr, nullptr, nullptr);
+    };
+    const HWND popup = make(WS_POPUP, 100, 50, GetDesktopWindow());
+    const HWND child = make(WS_CHILD | WS_BORDER, 10, 20, popup);
+    const HWND owned = make(WS_POPUP, 7, 8, popup);
+    const std::tuple<HWND, LONG, LONG> kRows[] = {
+        {popup, 100, 50}, {child, 110, 70}, {make(WS_CHILD, -3, 2, child), 108, 73}, {owned, 7, 8}};
+    for (const auto& [window, left, top] : kRows) {
+        RECT at{};
+        EXPECT_TRUE(GetWindowRect(window, &at));
+        EXPECT_TRUE(at.left == left && at.top == top && at.right == left + 30 && at.bottom == top + 40) << left;
+    }
+    EXPECT_TRUE(DestroyWindow(popup));
+    EXPECT_FALSE(IsWindow(owned) || DestroyWindow(GetDesktopWindow()));
 }
 
 TEST_F(Windows, MayBeRefused) {
