@@ -14,8 +14,8 @@ KT_EXPORT HRESULT KtAudio_FillSilence(const tWAVEFORMATEX* format, void* buffer,
 KT_EXPORT HRESULT KtAudio_FillSilence(const _ktwaveformat* format, void* buffer, int32_t frames) noexcept;
 
 // One channel of packed frames, by tag and bits: tags 1 and 0xFE00 to 0xFE02 with 8, 16, 24 or 32 bits, tag 3 with 32
-// or 64; else E_FAIL, as for a channel behind the last. A sample is as wide as its part
-// of the block, which may be wider than its bits. A mono format goes to KtAudio_FillSilence.
+// or 64; else E_FAIL, as for a channel behind the last. A sample is as wide as its part of the block,
+// which may be wider than its bits. A mono format goes to KtAudio_FillSilence.
 KT_API HRESULT KtAudio_FillSilenceChannel(const tWAVEFORMATEX* format, void* buffer, uint32_t channel,
                                           int32_t frames) noexcept;
 

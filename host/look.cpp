@@ -47,7 +47,7 @@ std::string CurveLine(const Look& look, std::string_view name) {
     return line;
 }
 
-// The module's own reading of names, which knows one separator and takes no extension with a blank in it.
+// The module's own reading of names, which takes no extension with a blank in it.
 std::size_t NameStart(const WString& path) {
     const std::size_t separator = path.find_last_of(W(":\\/"));
     return separator == WString::npos ? 0 : separator + 1;

@@ -58,10 +58,7 @@ void TakeSystemColors(Picture& picture, UINT flags) noexcept {
     const std::span<Pixel> pixels(picture.pixels.get(), picture.Size());
     const Pixel first = pixels.front();
     const bool grays = (flags & LR_LOADMAP3DCOLORS) != 0;
-    if ((flags & LR_LOADTRANSPARENT) != 0) {
-        std::ranges::replace(pixels, first, grays ? kFace : kWindow);
-        if (!grays) return;
-    }
+    if ((flags & LR_LOADTRANSPARENT) != 0) std::ranges::replace(pixels, first, grays ? kFace : kWindow);
     if (!grays) return;
     for (Pixel& pixel : pixels) {
         const auto* const found = std::ranges::find(kGrays, pixel, &Gray::pictured);

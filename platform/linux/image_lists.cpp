@@ -18,17 +18,12 @@ struct List {
     std::int32_t height;
     Pixel pixels[];  // each image: its mask, then its colors
 
-    [[nodiscard]] std::size_t ImageSize() const noexcept {
-        return static_cast<std::size_t>(width) * static_cast<std::size_t>(height);
-    }
-    [[nodiscard]] Pixel* Image(std::int32_t index) noexcept {
-        return pixels + 2 * ImageSize() * static_cast<std::size_t>(index);
-    }
+    [[nodiscard]] std::size_t ImageSize() const noexcept { return Count(width) * Count(height); }
+    [[nodiscard]] Pixel* Image(std::int32_t index) noexcept { return pixels + 2 * ImageSize() * Count(index); }
 };
 
 List* NewList(std::int32_t count, std::int32_t width, std::int32_t height) noexcept {
-    const std::size_t pixels =
-        2 * static_cast<std::size_t>(count) * static_cast<std::size_t>(width) * static_cast<std::size_t>(height);
+    const std::size_t pixels = 2 * Count(count) * Count(width) * Count(height);
     auto* const list = static_cast<List*>(FaultHere() ? nullptr : std::malloc(sizeof(List) + pixels * sizeof(Pixel)));
     if (!list) return Fail<List*>(ERROR_NOT_ENOUGH_MEMORY, nullptr);
     list->count = count;
